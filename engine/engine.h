@@ -1,0 +1,176 @@
+// The water chemistry engine: one analysis held for the life of the program,
+// its conversion to molar units, ionic strength and activity, the carbonate
+// equilibrium, the eight corrosion and scaling indices, the ion balance and
+// the calculation run with its pH sweep.
+//
+// Plain C++: nothing here knows about windows. What the engine needs from
+// the windows arrives as plain values (EquationFlags, WindowInputs); what it
+// does to them leaves through EngineObserver.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace velmora {
+
+// ---------------------------------------------------------------------------
+// Run-time errors of the engine.
+class EngineError : public std::runtime_error {
+public:
+    enum class Kind {
+        LogOfNonPositive, // logarithm of zero or a negative number
+        SqrtOfNegative,   // square root of a negative number
+        DivisionByZero,   // x / 0, 0 / 0 included
+        Overflow,         // a result that is not a finite number
+        IndexOutOfRange,  // an array index outside 0..140
+        BadConversion,    // a text that a strict conversion cannot read as a number
+    };
+    EngineError(Kind kind, const std::string& what);
+    Kind kind() const { return kind_; }
+    // A short description of the kind, e.g. "logarithm of a non-positive number".
+    static const char* kindText(Kind kind);
+
+private:
+    Kind kind_;
+};
+
+// ---------------------------------------------------------------------------
+// The analysis and everything derived from it that does not vary with pH.
+struct AnalysisRecord {
+    // entered analysis (mg/L; temperature in degrees Celsius)
+    double tds = 0, ec = 0, ec100 = 0, temp = 0, alkin = 0;
+    double ca = 0, mg = 0, k = 0, na = 0, zn = 0, mn = 0, fe = 0, al = 0;
+    double hco3in = 0, co3in = 0, no2 = 0, no3 = 0, f = 0, cl = 0, so4 = 0;
+
+    // derived scalars
+    double tk = 0, hardness = 0, cahard = 0;
+    double mca = 0, mmg = 0, mk = 0, mna = 0, mzn = 0, mal = 0, mfe = 0, mmn = 0;
+    double mcl = 0, mf = 0, mno3 = 0, mno2 = 0, mso4 = 0, mco3 = 0, mhco3 = 0;
+    double pca = 0;
+    double ionic = 0, eps = 0, adav = 0, dterm = 0;
+    double lanm = 0, land = 0, lant = 0;
+    double k1 = 0, k2 = 0, kw = 0, ks = 0;
+    double pk1 = 0, pk2 = 0, pkw = 0, pks = 0;
+    double ck1 = 0, ck2 = 0, ckw = 0, cks = 0;
+    double pck1 = 0, pck2 = 0, pckw = 0, pcks = 0;
+    double meqca = 0, meqmg = 0, meqal = 0, meqfe = 0, meqmn = 0, meqzn = 0, meqna = 0,
+           meqk = 0;
+    double meqso4 = 0, meqcl = 0, meqf = 0, meqno3 = 0, meqno2 = 0, meqco3 = 0, meqhco3 = 0;
+    double sumca = 0, suman = 0, diff = 0;
+    bool accuracyok = false;
+};
+
+// ---------------------------------------------------------------------------
+// One value per pH point, 0..140; every access is bounds-checked.
+class PointArray {
+public:
+    static constexpr int kSize = 141;
+    double& operator()(int i) { return v_[check(i)]; }
+    double operator()(int i) const { return v_[check(i)]; }
+
+private:
+    static int check(int i);
+    double v_[kSize] = {};
+};
+
+struct SweepArrays {
+    PointArray ph, ch, oh, a0, a1, a2, ctnum, ctden, h2co3, hco3, co3;
+    PointArray alk, alkmg, alkeq, alkt, palk, phs, pheq;
+    PointArray li, ri, por, ai, dfi, lr, me, sl;
+    PointArray co3dfi, qb, qc, hco3meq;
+
+    double ct = 0;
+    double qa = 0;
+    double clmeq = 0, so4meq = 0;
+    double phstart = 0, phincrement = 0, phsteps = 0;
+    std::int16_t ipoint = 0;
+};
+
+// ---------------------------------------------------------------------------
+// The equation choices of the two equation dialogs. The engine applies its
+// defaults by setting flags here (they stay set), so it takes them by
+// reference.
+struct EquationFlags {
+    bool bllewis = false, bllang = false, blrus = false;               // ionic strength
+    bool bldavies = false, bledebye = false, blgun = false, bldebye = false; // activity
+};
+
+// What the engine reads from the windows, captured at the moment of the call.
+struct WindowInputs {
+    std::string phText;       // main window, txtph
+    bool hco3Empty = true;    // main window, txthco3 is the empty string
+    bool co3Empty = true;     // main window, txtco3 is the empty string
+    bool sweepChecked = false; // Options dialog, chkphsweep
+    std::string initialText;   // Options dialog, txtinitialph
+    std::string incrementText; // Options dialog, txtincrementph
+    std::string stepText;      // Options dialog, txtstep
+};
+
+enum class MessageIcon { None, Information, Warning, Critical };
+
+// Effects of the engine on the windows. The main window implements it; the
+// batch calculator implements it to collect messages.
+class EngineObserver {
+public:
+    virtual ~EngineObserver() = default;
+    // End of every completed point: status "End of analysis ", Clear and
+    // Show results on, Graph on when the sweep is checked, Save and Print on.
+    virtual void pointCompleted(bool sweepChecked) = 0;
+    // Ion balance verdict: the accuracy button coloured green (acceptable)
+    // or red, enabled, and the status text set accordingly.
+    virtual void accuracyVerdict(bool acceptable) = 0;
+    // Last step of the ion balance: refresh the accuracy boxes if their frame
+    // is enabled.
+    virtual void accuracyRefresh() = 0;
+    // The sweep is off: copy element 0 into the Results windows.
+    virtual void publishResults() = 0;
+    // A message box with an OK button.
+    virtual void message(const std::string& text, const std::string& title, MessageIcon icon) = 0;
+};
+
+// How a calculation run ended.
+struct CalcOutcome {
+    bool computed = false; // false when the empty-pH message ended the run
+    // The error that stopped the sweep, and the point where it happened.
+    std::optional<EngineError> sweepError;
+    int sweepErrorPoint = 0;
+    int sweepPoints = 0; // n, the number of sweep points asked for
+};
+
+// ---------------------------------------------------------------------------
+class Engine {
+public:
+    AnalysisRecord rec;
+    SweepArrays sw;
+
+    void setObserver(EngineObserver* observer) { observer_ = observer; }
+
+    // Conversion of the entered analysis to molar units.
+    void convertmolar();
+    void prepareanalysis();
+    // Ionic strength and activity coefficients; applies the default flags.
+    void ionicactivity(EquationFlags& flags);
+    // Constants, hydrogen and hydroxide, ionisation fractions of point ipoint.
+    void equilibriumconstants();
+    // Point ipoint complete: carbonate system, saturation pH, the eight indices.
+    void computepoint(const EquationFlags& flags, const WindowInputs& in);
+    // Ion balance of the analysis; sets accuracyok.
+    void ionbalance(const EquationFlags& flags, const WindowInputs& in);
+    // The calculation run (Calculate): the measured point, then the sweep.
+    // A run-time error at the measured point, or a sweep text that cannot be
+    // converted, propagates as EngineError with earlier results left in place.
+    CalcOutcome calculate(const EquationFlags& flags, const WindowInputs& in);
+
+    // The arrays copied from element 1 to element 0 after the measured point.
+    void copyMeasuredPoint();
+
+private:
+    EngineObserver* observer_ = nullptr;
+};
+
+// The single engine of the program.
+Engine& theEngine();
+
+} // namespace velmora

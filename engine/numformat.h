@@ -1,0 +1,46 @@
+// Number formats of the program, in one place: rounding, the texts the
+// windows and the report show, and the readings of typed text.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velmora::fmt {
+
+// x rounded to `decimals` decimal places, a half going to the even neighbour
+// (decided on the decimal value of x, so 0.125 -> 0.12 and 0.375 -> 0.38).
+double roundHalfEven(double x, int decimals);
+
+// The default number text: up to 15 significant digits, no trailing zeros,
+// a zero before the decimal point ("0.25", "-2", "1.2346").
+std::string numberText(double x);
+
+// roundHalfEven then numberText: the rounded displays ("0.1235", "-1.5", "2").
+std::string rounded(double x, int decimals);
+
+// The scientific pattern "0.000#E-#": 0.0012345 -> "1.2345E-3", 25 -> "2.500E1",
+// 12345 -> "1.2345E4", -0.000123 -> "-1.230E-4".
+std::string scientific(double x);
+
+// The report's print format num(x): a leading blank when x is not negative,
+// no zero before the point below 1 (".345678"), exponent form below 0.0001
+// ("1.2E-05"), then one trailing blank.
+std::string printNum(double x);
+
+// The shortest text that reads back to the same double (batch output).
+std::string shortest(double x);
+
+// The leading-number reading of a box's text: blanks ignored, reading stops
+// at the first character that cannot belong to a number, 0 when there is none.
+double leadingNumber(std::string_view text);
+
+// The is-a-number test of the entry boxes: the whole text (surrounding blanks
+// allowed) is one finite number: optional sign, digits with one decimal point,
+// optional exponent. "1e400" (out of range), "-", ".", "1e" are not numbers.
+bool isNumber(std::string_view text);
+
+// Strict conversion: the value when isNumber(text), nothing otherwise.
+std::optional<double> strictNumber(std::string_view text);
+
+} // namespace velmora::fmt

@@ -1,0 +1,39 @@
+// Read Data: checks that the values the chosen ionic strength equation needs
+// are present, stores the entered analysis in the engine and runs the
+// conversion, the ionic strength and activity and the ion balance.
+// Shared by the main window and the batch calculator.
+#pragma once
+
+#include "engine/engine.h"
+
+#include <string>
+
+namespace velmora {
+
+// The texts of the twenty analysis boxes, exactly as typed.
+struct AnalysisTexts {
+    std::string tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al;
+    std::string hco3, co3, no2, no3, f, cl, so4;
+};
+
+struct ReadDataResult {
+    enum class Outcome {
+        Message,  // a required value is missing: show messageText / messageTitle
+        Accepted, // accuracyok: enable Calculate, status "Ready for Analysis"
+        Rejected, // not accurate: status "water analysis is unacceptable"
+    };
+    Outcome outcome = Outcome::Message;
+    std::string messageText;
+    std::string messageTitle;
+};
+
+// The whole of Read Data but the window effects of its last step, which the
+// caller applies from the outcome. The ion balance's own effects leave through
+// the engine's observer. A run-time error of the engine propagates.
+ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& boxes, EquationFlags& flags,
+                            bool bllr);
+
+// The window inputs the engine reads during Read Data and Calculate.
+WindowInputs windowInputs(const AnalysisTexts& boxes);
+
+} // namespace velmora

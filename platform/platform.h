@@ -1,0 +1,58 @@
+// Everything that blocks or touches the world outside the program: message
+// boxes, file and print dialogs, the printer, the screen, the settings store
+// and the clock. The real implementation uses Qt; tests install a recorder.
+// This is the only place that may call QMessageBox, QFileDialog, QPrintDialog,
+// QPrinter, QScreen or QSettings.
+#pragma once
+
+#include <QDateTime>
+#include <QSize>
+#include <QString>
+
+class QWidget;
+class QDialog;
+
+namespace velmora {
+
+class Platform {
+public:
+    enum class Icon { None, Information, Warning, Critical, Question };
+    enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
+    enum class Answer { Ok, Cancel, Yes, No };
+
+    virtual ~Platform() = default;
+
+    // A modal message box.
+    virtual Answer message(QWidget* parent, const QString& text, const QString& title, Icon icon,
+                           Buttons buttons = Buttons::Ok) = 0;
+
+    // Shows a dialog modally (the About window). The recorder only shows it.
+    virtual void execModal(QDialog* dialog) = 0;
+
+    // A save dialog with a filter; empty when cancelled.
+    virtual QString saveFileName(QWidget* parent, const QString& filter) = 0;
+
+    // The screen: its size in pixels and the twips per pixel.
+    virtual QSize screenPixels() = 0;
+    virtual int twipsPerPixelX() = 0;
+    virtual int twipsPerPixelY() = 0;
+
+    // The per-user settings store.
+    virtual void writeSetting(const QString& app, const QString& section, const QString& key,
+                              const QString& value) = 0;
+    virtual QString readSetting(const QString& app, const QString& section, const QString& key) = 0;
+
+    // The clock.
+    virtual QDateTime now() = 0;
+};
+
+// The platform in force (the Qt one unless a test installed another).
+Platform& platform();
+// Installs `p` (not owned); nullptr restores the Qt platform.
+void setPlatform(Platform* p);
+
+// True when the screen is exactly 800 by 600 pixels, computed as the screen
+// size in twips divided by the twips per pixel.
+bool isSmallScreen();
+
+} // namespace velmora
