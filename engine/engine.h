@@ -55,8 +55,7 @@ struct AnalysisRecord {
     double pk1 = 0, pk2 = 0, pkw = 0, pks = 0;
     double ck1 = 0, ck2 = 0, ckw = 0, cks = 0;
     double pck1 = 0, pck2 = 0, pckw = 0, pcks = 0;
-    double meqca = 0, meqmg = 0, meqal = 0, meqfe = 0, meqmn = 0, meqzn = 0, meqna = 0,
-           meqk = 0;
+    double meqca = 0, meqmg = 0, meqal = 0, meqfe = 0, meqmn = 0, meqzn = 0, meqna = 0, meqk = 0;
     double meqso4 = 0, meqcl = 0, meqf = 0, meqno3 = 0, meqno2 = 0, meqco3 = 0, meqhco3 = 0;
     double sumca = 0, suman = 0, diff = 0;
     bool accuracyok = false;
@@ -93,15 +92,15 @@ struct SweepArrays {
 // defaults by setting flags here (they stay set), so it takes them by
 // reference.
 struct EquationFlags {
-    bool bllewis = false, bllang = false, blrus = false;               // ionic strength
+    bool bllewis = false, bllang = false, blrus = false;                     // ionic strength
     bool bldavies = false, bledebye = false, blgun = false, bldebye = false; // activity
 };
 
 // What the engine reads from the windows, captured at the moment of the call.
 struct WindowInputs {
-    std::string phText;       // main window, txtph
-    bool hco3Empty = true;    // main window, txthco3 is the empty string
-    bool co3Empty = true;     // main window, txtco3 is the empty string
+    std::string phText;        // main window, txtph
+    bool hco3Empty = true;     // main window, txthco3 is the empty string
+    bool co3Empty = true;      // main window, txtco3 is the empty string
     bool sweepChecked = false; // Options dialog, chkphsweep
     std::string initialText;   // Options dialog, txtinitialph
     std::string incrementText; // Options dialog, txtincrementph
