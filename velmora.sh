@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# Velmora's one entry point for building, running and testing.
+#   ./velmora.sh run    install what is missing, build, start the desktop program
+#   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized)
+#   ./velmora.sh calc   build and run velmora-calc on the bundled example waters
+set -euo pipefail
+cd "$(dirname "$0")"
+
+PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev qt6-charts-dev libgif-dev libgtest-dev
+          libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core)
+
+install_deps() {
+    local missing=()
+    for p in "${PACKAGES[@]}"; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+    done
+    if ((${#missing[@]})); then
+        local sudo=""
+        [ "$(id -u)" -eq 0 ] || sudo="sudo"
+        echo "Installing: ${missing[*]}"
+        $sudo apt-get update
+        DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"
+    fi
+}
+
+build() { # build DIR [cmake options...]
+    local dir=$1
+    shift
+    cmake -S . -B "$dir" -G Ninja "$@" >/dev/null
+    cmake --build "$dir" -j"$(nproc)"
+}
+
+test_env() {
+    export QT_QPA_PLATFORM=offscreen
+    export XDG_RUNTIME_DIR
+    XDG_RUNTIME_DIR=$(mktemp -d)
+    chmod 700 "$XDG_RUNTIME_DIR"
+}
+
+case "${1:-}" in
+run)
+    install_deps
+    build build -DCMAKE_BUILD_TYPE=Release -DVELMORA_BENCHMARKS=OFF
+    exec ./build/app/velmora
+    ;;
+calc)
+    install_deps
+    build build -DCMAKE_BUILD_TYPE=Release -DVELMORA_BENCHMARKS=OFF
+    exec ./build/batch/velmora-calc examples/waters.csv
+    ;;
+test)
+    install_deps
+    test_env
+    build build -DCMAKE_BUILD_TYPE=Release
+    (cd build && ctest --output-on-failure -j2)
+    build build-san -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCHMARKS=OFF
+    (cd build-san && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
+        ctest --output-on-failure -j2)
+    ;;
+*)
+    echo "usage: $0 run|test|calc" >&2
+    exit 2
+    ;;
+esac
