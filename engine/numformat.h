@@ -30,6 +30,9 @@ std::string printNum(double x);
 
 // The shortest text that reads back to the same double (batch output).
 std::string shortest(double x);
+// The same text written into [first, last), which must hold at least 32
+// characters; returns the end of the text.
+char* shortestTo(char* first, char* last, double x);
 
 // The leading-number reading of a box's text: blanks ignored, reading stops
 // at the first character that cannot belong to a number, 0 when there is none.

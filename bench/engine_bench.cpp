@@ -1,0 +1,79 @@
+// Speed of the chemistry engine: one pH point, and a whole calculation with
+// the longest pH sweep the arrays hold.
+#include "engine/engine.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using velmora::Engine;
+using velmora::EquationFlags;
+using velmora::WindowInputs;
+
+// A typical drinking water, read with the Langelier equation and the
+// limiting law, as Read Data leaves it.
+void readSample(Engine& e, EquationFlags& flags) {
+    e.rec.tds = 400;
+    e.rec.temp = 25;
+    e.rec.alkin = 200;
+    e.rec.ca = 80;
+    e.rec.mg = 24;
+    e.rec.cl = 50;
+    e.rec.so4 = 60;
+    flags = EquationFlags{};
+    flags.bllang = true;
+    flags.bldebye = true;
+    e.ionicactivity(flags);
+}
+
+void BM_ComputePoint(benchmark::State& state) {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    e.calculate(flags, in); // fixes ct at the measured point
+    e.sw.ph(1) = 8.3;       // a sweep point
+    for (auto _ : state) {
+        e.sw.ipoint = 1;
+        e.computepoint(flags, in);
+        benchmark::DoNotOptimize(e.sw.li(1));
+    }
+}
+BENCHMARK(BM_ComputePoint);
+
+void BM_CalculateMeasuredPoint(benchmark::State& state) {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    for (auto _ : state) {
+        auto out = e.calculate(flags, in);
+        benchmark::DoNotOptimize(out.computed);
+        benchmark::DoNotOptimize(e.sw.li(0));
+    }
+}
+BENCHMARK(BM_CalculateMeasuredPoint);
+
+// The measured point and 140 sweep points from pH 1.0 to 13.51.
+void BM_Calculate140PointSweep(benchmark::State& state) {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    in.sweepChecked = true;
+    in.initialText = "1.0";
+    in.incrementText = "0.09";
+    in.stepText = "140";
+    for (auto _ : state) {
+        auto out = e.calculate(flags, in);
+        if (out.sweepError) state.SkipWithError(out.sweepError->what());
+        benchmark::DoNotOptimize(e.sw.li(140));
+    }
+    state.SetItemsProcessed(state.iterations() * 141);
+}
+BENCHMARK(BM_Calculate140PointSweep)->Unit(benchmark::kMicrosecond);
+
+} // namespace

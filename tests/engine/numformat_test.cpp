@@ -1,0 +1,275 @@
+#include "engine/numformat.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+using namespace velmora;
+
+namespace {
+
+struct RoundCase {
+    const char* name;
+    double x;
+    int decimals;
+    double expected;
+};
+
+TEST(NumFormat, RoundHalfEven) {
+    const std::vector<RoundCase> cases = {
+        {"quarter_down_to_even", 0.125, 2, 0.12},
+        {"three_eighths_up_to_even", 0.375, 2, 0.38},
+        {"negative_half_to_even", -0.125, 2, -0.12},
+        {"integer_half_down", 2.5, 0, 2},
+        {"integer_half_up", 3.5, 0, 4},
+        {"negative_integer_half", -2.5, 0, -2},
+        {"langelier_display", 0.123456, 4, 0.1235},
+        {"above_half", 1.23456, 4, 1.2346},
+        {"below_half", 1.23454, 4, 1.2345},
+        // the decimal the double stands for decides, not its binary expansion
+        {"decimal_half_odd_up", 2.675, 2, 2.68},
+        {"decimal_half_even_down", 1.005, 2, 1.0},
+        {"decimal_half_4_decimals", 0.12345, 4, 0.1234},
+        {"carry_through_nines", 9.99995, 4, 10.0},
+        {"carry_below_one", 0.99995, 4, 1.0},
+        {"first_dropped_digit_is_half_of_zero", 0.00005, 4, 0.0},
+        {"first_dropped_digit_is_half_of_odd", 0.00015, 4, 0.0002},
+        {"first_dropped_digit_is_half_of_even", 0.00025, 4, 0.0002},
+        {"all_digits_dropped_above_half", 0.00006, 4, 0.0001},
+        {"far_below_the_last_place", 4e-7, 6, 0.0},
+        {"exact_already", 0.25, 4, 0.25},
+        {"large_value", 123456.789, 1, 123456.8},
+        {"more_decimals_than_digits", 1.5, 10, 1.5},
+        {"zero", 0.0, 4, 0.0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::roundHalfEven(c.x, c.decimals), c.expected);
+    }
+    // a negative value that rounds to zero gives zero, not minus zero
+    EXPECT_FALSE(std::signbit(fmt::roundHalfEven(-0.00001, 4)));
+}
+
+struct TextCase {
+    const char* name;
+    double x;
+    const char* expected;
+};
+
+TEST(NumFormat, NumberText) {
+    const std::vector<TextCase> cases = {
+        {"quarter", 0.25, "0.25"},
+        {"negative_integer", -2, "-2"},
+        {"zero", 0, "0"},
+        {"negative_zero", -0.0, "0"},
+        {"fifteen_significant", 1.0 / 3, "0.333333333333333"},
+        {"fifteen_significant_rounded", 2.0 / 3, "0.666666666666667"},
+        {"no_trailing_zeros", 12.5000, "12.5"},
+        {"small_plain", 0.00001, "0.00001"},
+        {"large_plain", 123456789012345.0, "123456789012345"},
+        {"huge_exponent", 1e20, "1E+20"},
+        {"tiny_exponent", -1.5e-20, "-1.5E-20"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::numberText(c.x), c.expected);
+    }
+}
+
+TEST(NumFormat, Rounded) {
+    struct Case {
+        const char* name;
+        double x;
+        int decimals;
+        const char* expected;
+    };
+    const std::vector<Case> cases = {
+        {"langelier_0_123456", 0.123456, 4, "0.1235"},
+        {"minus_one_and_a_half", -1.5, 4, "-1.5"},
+        {"two", 2, 4, "2"},
+        {"quarter", 0.25, 4, "0.25"},
+        {"four_decimals", 1.23456, 4, "1.2346"},
+        {"minus_two", -2, 4, "-2"},
+        {"tiny_negative_is_zero", -0.00001, 4, "0"},
+        // the accuracy sums of the ion balance example, to 5 decimals
+        {"sum_of_cations", 8.056027, 5, "8.05603"},
+        {"percent_difference", 9.489978, 5, "9.48998"},
+        {"activity_limiting_law", 0.891250938133746, 5, "0.89125"},
+        {"activity_divalent", 0.630957344480193, 5, "0.63096"},
+        {"five_decimals_small", 0.000012, 5, "0.00001"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::rounded(c.x, c.decimals), c.expected);
+    }
+}
+
+TEST(NumFormat, Scientific) {
+    const std::vector<TextCase> cases = {
+        {"four_decimals_when_nonzero", 0.0012345, "1.2345E-3"},
+        {"three_decimals_always", 25, "2.500E1"},
+        {"positive_exponent", 12345, "1.2345E4"},
+        {"driving_force_half", 0.5, "5.000E-1"},
+        {"negative_momentary_excess", -0.000123, "-1.230E-4"},
+        {"exponent_zero", 7.25, "7.250E0"},
+        {"zero", 0, "0.000E0"},
+        {"rounds_fifth_digit", 1.234567e-5, "1.2346E-5"},
+        {"half_away_from_zero", 1.23455, "1.2346E0"},
+        {"carry_into_exponent", 9.99996, "1.000E1"},
+        {"fourth_decimal_zero_dropped", 3.00001, "3.000E0"},
+        {"big_exponent", 6.02214e23, "6.0221E23"},
+        {"ionic_strength", 0.01, "1.000E-2"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::scientific(c.x), c.expected);
+    }
+}
+
+TEST(NumFormat, PrintNum) {
+    const std::vector<TextCase> cases = {
+        {"below_one_no_zero", 0.345678, " .345678 "},
+        {"exponent_below_0_0001", 0.000012, " 1.2E-05 "},
+        {"negative_below_one", -0.5, "-.5 "},
+        {"zero", 0, " 0 "},
+        {"rounded_langelier_0_0000004", fmt::roundHalfEven(0.0000004, 6), " 0 "},
+        {"rounded_negative_to_zero", fmt::roundHalfEven(-0.0000004, 6), " 0 "},
+        {"exactly_0_0001_is_plain", 0.0001, " .0001 "},
+        {"integer", 7, " 7 "},
+        {"negative_with_integer_part", -1.25, "-1.25 "},
+        {"fifteen_digits", 1.0 / 3, " .333333333333333 "},
+        {"large_exponent", 1e15, " 1E+15 "},
+        {"negative_exponent_form", -0.00002, "-2E-05 "},
+        {"six_decimals", fmt::roundHalfEven(0.240594, 6), " .240594 "},
+        {"ryznar_like", fmt::roundHalfEven(7.018821, 6), " 7.018821 "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::printNum(c.x), c.expected);
+    }
+}
+
+TEST(NumFormat, ShortestReadsBack) {
+    const std::vector<double> values = {0.1,     1.0 / 3, -2.5,    1e-5, 123456789.123,
+                                        7.25941, 1e300,   5e-324,  -0.0, 0.0,
+                                        2.23665e-4, 0.630957344480193};
+    for (double v : values) {
+        const std::string s = fmt::shortest(v);
+        SCOPED_TRACE(s);
+        const auto back = fmt::strictNumber(s);
+        ASSERT_TRUE(back.has_value());
+        EXPECT_EQ(*back, v);
+        EXPECT_EQ(std::signbit(*back), std::signbit(v));
+    }
+    EXPECT_EQ(fmt::shortest(0.1), "0.1");
+    EXPECT_EQ(fmt::shortest(-2.5), "-2.5");
+    EXPECT_EQ(fmt::shortest(200), "200");
+}
+
+struct LeadingCase {
+    const char* name;
+    const char* text;
+    double expected;
+};
+
+TEST(NumFormat, LeadingNumber) {
+    const std::vector<LeadingCase> cases = {
+        {"plain", "7.5", 7.5},
+        {"surrounding_blanks", " 7.5 ", 7.5},
+        {"blanks_inside_are_ignored", "1 2 . 5", 12.5},
+        {"tab_and_line_feed_ignored", "\t3\n4", 34},
+        {"stops_at_letter", "12abc", 12},
+        {"stops_at_second_point", "1.2.3", 1.2},
+        {"stops_at_inner_sign", "1-2", 1},
+        {"empty", "", 0},
+        {"only_blanks", "   ", 0},
+        {"no_number", "abc", 0},
+        {"lone_minus", "-", 0},
+        {"lone_point", ".", 0},
+        {"double_sign", "--5", 0},
+        {"leading_point", ".5", 0.5},
+        {"plus_sign", "+4", 4},
+        {"negative", "-3.25", -3.25},
+        {"exponent", "-3.5e2x", -350},
+        {"capital_exponent", "2E-3", 0.002},
+        {"bare_exponent_letter", "1e", 1},
+        {"exponent_sign_without_digits", "1e+", 1},
+        {"trailing_point", "5.", 5},
+        {"comma_is_not_a_separator", "1,5", 1},
+        {"underflow_reads_zero", "1e-400", 0},
+        {"long_text", "000000000000000000000000000000000000000000000000000000000000000000000000000"
+                      "00000000000000000000000000000000000000000000000000000000000000000000012.5",
+         12.5},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::leadingNumber(c.text), c.expected);
+    }
+    // a number beyond the range of a double reads as infinite, which the
+    // callers refuse before it reaches the engine
+    EXPECT_TRUE(std::isinf(fmt::leadingNumber("1e400")));
+    EXPECT_LT(fmt::leadingNumber("-1e400"), 0);
+}
+
+struct IsNumberCase {
+    const char* name;
+    const char* text;
+    bool number;
+    double value;
+};
+
+TEST(NumFormat, IsNumberAndStrictNumber) {
+    const std::vector<IsNumberCase> cases = {
+        {"integer", "7", true, 7},
+        {"decimal", "7.25", true, 7.25},
+        {"surrounding_blanks", " 7.5 ", true, 7.5},
+        {"surrounding_tabs", "\t8\t", true, 8},
+        {"leading_zero_below_one", "0.5", true, 0.5},
+        // pasted whole, ".5" converts completely; typed, its first keystroke
+        // "." is already rejected
+        {"leading_point_pasted", ".5", true, 0.5},
+        {"trailing_point", "5.", true, 5},
+        {"plus_sign", "+3", true, 3},
+        {"minus_sign", "-3", true, -3},
+        {"exponent", "1e5", true, 1e5},
+        {"exponent_signed", "1.5E-3", true, 1.5e-3},
+        {"exponent_plus", "2e+2", true, 200},
+        {"largest_finite", "1.7976931348623157e308", true, 1.7976931348623157e308},
+        {"underflow_is_zero", "1e-400", true, 0},
+        {"out_of_range", "1e400", false, 0},
+        {"out_of_range_negative", "-1e400", false, 0},
+        {"lone_minus", "-", false, 0},
+        {"lone_plus", "+", false, 0},
+        {"lone_point", ".", false, 0},
+        {"signed_point", "-.", false, 0},
+        {"bare_exponent", "1e", false, 0},
+        {"exponent_sign_only", "1e-", false, 0},
+        {"exponent_only", "e5", false, 0},
+        {"empty", "", false, 0},
+        {"only_blanks", "  ", false, 0},
+        {"blank_inside", "1 2", false, 0},
+        {"two_points", "1.2.3", false, 0},
+        {"letters", "abc", false, 0},
+        {"trailing_letter", "12a", false, 0},
+        {"comma", "1,5", false, 0},
+        {"double_sign", "--1", false, 0},
+        {"infinity_word", "inf", false, 0},
+        {"nan_word", "nan", false, 0},
+        {"hex", "0x10", false, 0},
+        {"line_feed_around", "\n5", false, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::isNumber(c.text), c.number);
+        const auto v = fmt::strictNumber(c.text);
+        EXPECT_EQ(v.has_value(), c.number);
+        if (v && c.number) {
+            EXPECT_EQ(*v, c.value);
+        }
+    }
+}
+
+} // namespace
