@@ -6,7 +6,9 @@
 
 #include "engine/engine.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace velmora {
 
@@ -29,11 +31,22 @@ struct ReadDataResult {
 
 // The whole of Read Data but the window effects of its last step, which the
 // caller applies from the outcome. The ion balance's own effects leave through
-// the engine's observer. A run-time error of the engine propagates.
+// the engine's observer. A run-time error of the engine propagates; so does an
+// EngineError(Overflow) for a box whose number is beyond the range of a double
+// or a conductivity that overflows when multiplied by 100 (nothing of that
+// step is stored).
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& boxes, EquationFlags& flags,
                             bool bllr);
 
 // The window inputs the engine reads during Read Data and Calculate.
 WindowInputs windowInputs(const AnalysisTexts& boxes);
+
+// The check an analysis box runs on its whole text: the message that rejects
+// it ("You must enter a number!", or for the pH box "pH must be a positive
+// number up to 14 ." when the number is 0 or less or above 14), nothing when
+// the text is empty or acceptable. Shown with the information icon under
+// kBoxMessageTitle.
+std::optional<std::string> checkBoxText(std::string_view text, bool isPh);
+inline constexpr const char* kBoxMessageTitle = "Invalid input data";
 
 } // namespace velmora

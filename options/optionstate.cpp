@@ -1,1 +1,10 @@
-// placeholder, being written
+#include "options/optionstate.h"
+
+namespace velmora {
+
+OptionState& theOptions() {
+    static OptionState options;
+    return options;
+}
+
+} // namespace velmora

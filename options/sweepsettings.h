@@ -30,7 +30,8 @@ struct SweepApplyResult {
 
 // Step 3 of Apply (only when chkphsweep is checked): builds the list from the
 // three box texts and stores the start pH into `phstart`. A text that is not
-// a number throws EngineError(BadConversion).
+// a number throws EngineError(BadConversion); more than 140 steps that stay
+// within pH 14 run past the list and throw EngineError(IndexOutOfRange).
 SweepApplyResult applySweep(std::string_view initial, std::string_view increment,
                             std::string_view steps, SweepList& list, double& phstart);
 

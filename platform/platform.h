@@ -36,6 +36,12 @@ public:
     virtual QSize screenPixels() = 0;
     virtual int twipsPerPixelX() = 0;
     virtual int twipsPerPixelY() = 0;
+    // The screen size in twips; by default the pixel size times the twips
+    // per pixel (a test may give a size whose quotient is not exact).
+    virtual QSize screenTwips() {
+        const QSize px = screenPixels();
+        return {px.width() * twipsPerPixelX(), px.height() * twipsPerPixelY()};
+    }
 
     // The per-user settings store.
     virtual void writeSetting(const QString& app, const QString& section, const QString& key,
@@ -54,5 +60,11 @@ void setPlatform(Platform* p);
 // True when the screen is exactly 800 by 600 pixels, computed as the screen
 // size in twips divided by the twips per pixel.
 bool isSmallScreen();
+
+// Twips to pixels and back, at the twips per pixel of the platform.
+int twipsToPixelsX(int twips);
+int twipsToPixelsY(int twips);
+int pixelsToTwipsX(int pixels);
+int pixelsToTwipsY(int pixels);
 
 } // namespace velmora

@@ -1,0 +1,196 @@
+// The batch calculator velmora-calc: many samples from a CSV file through the
+// same engine, Read Data and sweep settings as the desktop program, one
+// output row per computed point and one per message.
+#pragma once
+
+#include "engine/engine.h"
+#include "intake/readdata.h"
+#include "options/optionstate.h"
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::batch {
+
+// A bad command line, a bad header or an input/output failure: exit status 2.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct Options {
+    enum class Ionic { Langelier, Russell, Lewis };
+    enum class Activity { None, Limiting, Extended, Guntelberg, Davies };
+    Ionic ionic = Ionic::Langelier;
+    Activity activity = Activity::None;
+    bool larsonSkold = false;
+    bool sweep = false;
+    std::string sweepStart, sweepIncrement, sweepSteps; // the three box texts
+    std::string input;                                 // empty or "-": standard input
+    std::string output;                                // empty: standard output
+    bool help = false;
+};
+
+// The command line without the program name. Checks the sweep as the Options
+// dialog checks its boxes and its Apply; throws UsageError with the message.
+Options parseCommandLine(const std::vector<std::string>& args);
+
+// The text of --help.
+const char* helpText();
+
+// The equation flags the options stand for, before the engine applies its defaults.
+EquationFlags equationFlags(const Options& options);
+
+// The header of the output.
+inline constexpr const char* kOutputHeader =
+    "sample,point,ph,li,ri,por,ai,dfi,lr,me,sl,phs,ch,oh,a0,a1,a2,h2co3,hco3,co3,ionic,lanm,"
+    "land,lant,ct,sumca,suman,diff,message";
+
+// ---------------------------------------------------------------------------
+// Byte streams, so that the batch runs on files, pipes and strings alike.
+
+class ByteSource {
+public:
+    virtual ~ByteSource() = default;
+    // Up to n bytes into buf; 0 at the end. Throws UsageError on a read failure.
+    virtual std::size_t read(char* buf, std::size_t n) = 0;
+};
+
+class ByteSink {
+public:
+    virtual ~ByteSink() = default;
+    // Throws UsageError on a write failure.
+    virtual void write(const char* data, std::size_t n) = 0;
+};
+
+class FdSource : public ByteSource {
+public:
+    FdSource(int fd, std::string name) : fd_(fd), name_(std::move(name)) {}
+    std::size_t read(char* buf, std::size_t n) override;
+
+private:
+    int fd_;
+    std::string name_;
+};
+
+class FdSink : public ByteSink {
+public:
+    FdSink(int fd, std::string name) : fd_(fd), name_(std::move(name)) {}
+    void write(const char* data, std::size_t n) override;
+
+private:
+    int fd_;
+    std::string name_;
+};
+
+// A string read in pieces of at most `piece` bytes (small pieces test the
+// reader across buffer boundaries).
+class StringSource : public ByteSource {
+public:
+    explicit StringSource(std::string text, std::size_t piece = 1 << 16)
+        : text_(std::move(text)), piece_(piece == 0 ? 1 : piece) {}
+    std::size_t read(char* buf, std::size_t n) override;
+
+private:
+    std::string text_;
+    std::size_t pos_ = 0, piece_;
+};
+
+class StringSink : public ByteSink {
+public:
+    void write(const char* data, std::size_t n) override { text.append(data, n); }
+    std::string text;
+};
+
+// ---------------------------------------------------------------------------
+// RFC 4180 reading, one record at a time: quoted fields with doubled quotes,
+// commas and line ends inside; CRLF, LF or CR line ends; a UTF-8 byte-order
+// mark at the start is dropped; empty lines are skipped. Text after a closing
+// quote is kept as it stands.
+class CsvReader {
+public:
+    static constexpr std::size_t kMaxRecord = 1 << 20; // bytes of field text per record
+
+    explicit CsvReader(ByteSource& source) : source_(source) {}
+
+    // The next record, or false at the end. `line` is the line it starts on.
+    bool next();
+    std::size_t fieldCount() const { return ends_.size(); }
+    std::string_view field(std::size_t i) const {
+        const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
+        return std::string_view(text_).substr(begin, ends_[i] - begin);
+    }
+    long line() const { return line_; }
+    // The record held more than kMaxRecord bytes; its text is cut short.
+    bool tooLong() const { return tooLong_; }
+
+private:
+    bool fill();
+    void endField();
+
+    ByteSource& source_;
+    std::vector<char> buf_ = std::vector<char>(1 << 16);
+    std::size_t pos_ = 0, end_ = 0;
+    bool eof_ = false, started_ = false, skipLf_ = false;
+    long nextLine_ = 1, line_ = 0;
+    std::string text_;               // field text of the record, fields back to back
+    std::vector<std::size_t> ends_; // end of each field in text_
+    bool tooLong_ = false;
+};
+
+// ---------------------------------------------------------------------------
+// The samples, one row after the other.
+class Calculator {
+public:
+    // Throws UsageError when the sweep settings are rejected.
+    explicit Calculator(const Options& options);
+
+    // Maps the header's columns; throws UsageError naming an unknown or
+    // repeated column.
+    void setHeader(const CsvReader& header);
+
+    // Computes one record and appends its output rows to `out`. Returns true
+    // when a message row was written.
+    bool processRecord(const CsvReader& record, std::string& out);
+
+private:
+    struct Collector : EngineObserver {
+        std::vector<std::string> messages;
+        void pointCompleted(bool) override {}
+        void accuracyVerdict(bool) override {}
+        void accuracyRefresh() override {}
+        void publishResults() override {}
+        void message(const std::string& text, const std::string&, MessageIcon) override {
+            messages.push_back(text);
+        }
+    };
+
+    void freshProgram();
+    void pointRow(std::string_view sample, int point, std::string& out) const;
+    void messageRow(std::string_view sample, const std::string& point, std::string_view text,
+                    bool balance, std::string& out) const;
+
+    Options options_;
+    OptionState applied_; // the options as Apply left them
+    EquationFlags flags_; // the equation flags of this row
+    int touched_ = 1;     // highest point element a row can write
+    std::vector<int> column_; // for each analysis column and the sample: its field, or -1
+    std::size_t fieldCount_ = 0;
+    Engine engine_;
+    Collector collector_;
+    AnalysisTexts texts_;
+};
+
+// Reads the header and every record from `in`, writes the output to `out`.
+// Returns 0 when no message row was written, 1 when one was. Throws
+// UsageError for a missing or bad header and for input/output failures.
+int runBatch(const Options& options, ByteSource& in, ByteSink& out);
+
+// The whole command: arguments without the program name; standard input,
+// output and error are file descriptors 0, 1 and 2. Returns the exit status.
+int commandMain(const std::vector<std::string>& args);
+
+} // namespace velmora::batch

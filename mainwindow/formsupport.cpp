@@ -1,0 +1,86 @@
+#include "mainwindow/formsupport.h"
+
+#include "platform/platform.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLineEdit>
+#include <QPalette>
+#include <QVariant>
+#include <QWidget>
+
+namespace velmora {
+
+namespace {
+
+constexpr char kBackColorProperty[] = "velmoraBackColor";
+
+QPalette::ColorRole roleOf(const QWidget* w) {
+    if (qobject_cast<const QLineEdit*>(w)) return QPalette::Base;
+    if (qobject_cast<const QAbstractButton*>(w)) return QPalette::Button;
+    return QPalette::Window;
+}
+
+} // namespace
+
+QColor vbColor(quint32 bgr) {
+    if (bgr & 0x80000000u) {
+        const QPalette pal = QApplication::palette();
+        switch (bgr & 0xFFu) {
+        case 0x05:
+            return pal.color(QPalette::Base);
+        case 0x0F:
+            return pal.color(QPalette::Button);
+        default:
+            return pal.color(QPalette::Window);
+        }
+    }
+    return QColor(static_cast<int>(bgr & 0xFFu), static_cast<int>((bgr >> 8) & 0xFFu),
+                  static_cast<int>((bgr >> 16) & 0xFFu));
+}
+
+void setBackColor(QWidget* w, quint32 bgr) {
+    const QPalette::ColorRole role = roleOf(w);
+    QPalette pal = w->palette();
+    if (bgr & 0x80000000u) {
+        // back to the system colour of the role
+        pal.setBrush(role, QApplication::palette(w).brush(role));
+    } else {
+        pal.setColor(role, vbColor(bgr));
+    }
+    w->setPalette(pal);
+    if (role == QPalette::Window) w->setAutoFillBackground(!(bgr & 0x80000000u));
+    w->setProperty(kBackColorProperty, QVariant::fromValue<quint32>(bgr));
+}
+
+quint32 backColor(const QWidget* w) {
+    const QVariant v = w->property(kBackColorProperty);
+    if (v.isValid()) return v.value<quint32>();
+    return roleOf(w) == QPalette::Base ? vb::WindowBackground : vb::ButtonFace;
+}
+
+QColor paintedBackColor(const QWidget* w) { return w->palette().color(roleOf(w)); }
+
+bool enabledFlag(const QWidget* w) { return !w->testAttribute(Qt::WA_ForceDisabled); }
+
+void setTwipsGeometry(QWidget* w, int left, int top, int width, int height) {
+    if (w->isWindow()) {
+        w->resize(twipsToPixelsX(width), twipsToPixelsY(height));
+        w->move(twipsToPixelsX(left), twipsToPixelsY(top));
+    } else {
+        w->setGeometry(twipsToPixelsX(left), twipsToPixelsY(top), twipsToPixelsX(width),
+                       twipsToPixelsY(height));
+    }
+}
+
+void moveTwips(QWidget* w, int left, int top) {
+    w->move(twipsToPixelsX(left), twipsToPixelsY(top));
+}
+
+QRect twipsGeometry(const QWidget* w) {
+    const QPoint pos = w->isWindow() ? w->pos() : w->geometry().topLeft();
+    return {pixelsToTwipsX(pos.x()), pixelsToTwipsY(pos.y()), pixelsToTwipsX(w->width()),
+            pixelsToTwipsY(w->height())};
+}
+
+} // namespace velmora

@@ -1,0 +1,1022 @@
+#include "mainwindow/frmmain.h"
+
+#include "app/frmabout.h"
+#include "app/programpicture.h"
+#include "engine/numformat.h"
+#include "mainwindow/formsupport.h"
+#include "mainwindow/properties.h"
+#include "options/frmactivity.h"
+#include "options/frmionic.h"
+#include "options/frmoptions.h"
+#include "options/optionstate.h"
+#include "platform/platform.h"
+#include "results/results.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDir>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+
+#include <exception>
+
+namespace velmora {
+
+namespace {
+
+frmMain* s_main = nullptr;
+
+constexpr int kToolbarHeightTwips = 420;
+
+// The client area: the toolbar sits at its top edge, stretched to its width,
+// and the controls are placed in client coordinates below it.
+class ClientArea : public QWidget {
+public:
+    using QWidget::QWidget;
+    QToolBar* toolbar = nullptr;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QWidget::resizeEvent(event);
+        if (toolbar) toolbar->setGeometry(0, 0, width(), twipsToPixelsY(kToolbarHeightTwips));
+    }
+};
+
+QIcon toolbarIcon(const QString& key) {
+    QPixmap pm(16, 16);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(40, 40, 40), 1));
+    if (key == QLatin1String("New")) {
+        p.setBrush(Qt::white);
+        p.drawPolygon(QPolygonF({{3.5, 1.5}, {10.5, 1.5}, {13.5, 4.5}, {13.5, 14.5}, {3.5, 14.5}}));
+        p.drawPolyline(QPolygonF({{10.5, 1.5}, {10.5, 4.5}, {13.5, 4.5}}));
+    } else if (key == QLatin1String("Save")) {
+        p.setBrush(QColor(60, 90, 170));
+        p.drawRect(QRectF(1.5, 1.5, 13, 13));
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(4.5, 1.5, 7, 5));
+        p.setBrush(QColor(200, 200, 200));
+        p.drawRect(QRectF(3.5, 9.5, 9, 5));
+    } else if (key == QLatin1String("Print")) {
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(4.5, 1.5, 7, 5));
+        p.setBrush(QColor(150, 150, 150));
+        p.drawRect(QRectF(1.5, 6.5, 13, 6));
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(4.5, 10.5, 7, 4));
+    } else if (key == QLatin1String("Sample")) {
+        p.setBrush(QColor(120, 190, 255));
+        p.drawPolygon(QPolygonF({{6.5, 1.5}, {9.5, 1.5}, {9.5, 6.5}, {14, 14.5}, {2, 14.5},
+                                 {6.5, 6.5}}));
+    } else if (key == QLatin1String("Graph")) {
+        p.drawLine(QPointF(1.5, 14.5), QPointF(14.5, 14.5));
+        p.setBrush(QColor(220, 60, 60));
+        p.drawRect(QRectF(2.5, 8.5, 3, 6));
+        p.setBrush(QColor(60, 170, 60));
+        p.drawRect(QRectF(6.5, 4.5, 3, 10));
+        p.setBrush(QColor(60, 90, 200));
+        p.drawRect(QRectF(10.5, 1.5, 3, 13));
+    }
+    return QIcon(pm);
+}
+
+bool filled(std::initializer_list<const QLineEdit*> boxes) {
+    for (const QLineEdit* b : boxes)
+        if (b->text().isEmpty()) return false;
+    return true;
+}
+
+Platform::Icon platformIcon(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::Information:
+        return Platform::Icon::Information;
+    case MessageIcon::Warning:
+        return Platform::Icon::Warning;
+    case MessageIcon::Critical:
+        return Platform::Icon::Critical;
+    case MessageIcon::None:
+        break;
+    }
+    return Platform::Icon::None;
+}
+
+QString settingText(int twips) { return QString::number(static_cast<float>(twips), 'g', 7); }
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+frmMain* frmMain::instance() {
+    if (!s_main) s_main = new frmMain();
+    return s_main;
+}
+
+bool frmMain::isLoaded() { return s_main != nullptr; }
+
+frmMain::frmMain() {
+    s_main = this;
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Velmora"));
+    setAttribute(Qt::WA_DeleteOnClose);
+
+    buildMenus();
+    auto* area = new ClientArea(this);
+    client = area;
+    client->setObjectName(QStringLiteral("client"));
+    setCentralWidget(client);
+    QFont arial(QStringLiteral("Arial"));
+    arial.setPointSize(8);
+    client->setFont(arial);
+    buildToolbar();
+    area->toolbar = tbToolBar;
+    buildControls();
+    buildStatusBar();
+
+    // design placement; an 800 x 600 screen gets its own (start procedure)
+    resize(twipsToPixelsX(11400), twipsToPixelsY(8700));
+    moveTwips(this, 1200, 900);
+
+    connectHandlers();
+    theEngine().setObserver(this);
+}
+
+frmMain::~frmMain() {
+    if (s_main == this) {
+        s_main = nullptr;
+        theEngine().setObserver(nullptr);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Building the window
+
+void frmMain::buildMenus() {
+    auto action = [this](QMenu* menu, const char* name, const QString& caption) {
+        QAction* a = menu->addAction(caption);
+        a->setObjectName(QLatin1String(name));
+        return a;
+    };
+    auto separator = [](QMenu* menu, const char* name) {
+        QAction* a = menu->addSeparator();
+        a->setObjectName(QLatin1String(name));
+        return a;
+    };
+    auto menu = [this](const char* name, const QString& caption) {
+        QMenu* m = menuBar()->addMenu(caption);
+        m->setObjectName(QLatin1String(name));
+        return m;
+    };
+
+    mnuFile = menu("mnuFile", QStringLiteral("&File"));
+    mnuFileNew = action(mnuFile, "mnuFileNew", QStringLiteral("&New"));
+    mnuFileNew->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_N));
+    mnuFileBar0 = separator(mnuFile, "mnuFileBar0");
+    mnuFileSave = action(mnuFile, "mnuFileSave", QStringLiteral("&Save results..."));
+    mnuFileSave->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
+    mnuFileSave->setEnabled(false);
+    mnuFileBar1 = separator(mnuFile, "mnuFileBar1");
+    mnuFileProperties = action(mnuFile, "mnuFileProperties", QStringLiteral("Propert&ies"));
+    mnuFileBar2 = separator(mnuFile, "mnuFileBar2");
+    mnuFilePrint = action(mnuFile, "mnuFilePrint", QStringLiteral("&Print results..."));
+    mnuFilePrint->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+    mnuFilePrint->setEnabled(false);
+    mnuFileBar3 = separator(mnuFile, "mnuFileBar3");
+    mnuFileBar5 = separator(mnuFile, "mnuFileBar5");
+    mnuFileExit = action(mnuFile, "mnuFileExit", QStringLiteral("E&xit"));
+    mnuFileExit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+
+    mnusetting = menu("mnusetting", QStringLiteral("&Setting"));
+    mnusettingis = action(mnusetting, "mnusettingis", QStringLiteral("&ionic strength equations"));
+    mnusittingac =
+        action(mnusetting, "mnusittingac", QStringLiteral("&activity coefficient equations"));
+
+    mnuoption = menu("mnuoption", QStringLiteral("&Options"));
+    mnuoptionoptions = action(mnuoption, "mnuoptionoptions", QStringLiteral("&options"));
+
+    mnuView = menu("mnuView", QStringLiteral("&View"));
+    mnuViewToolbar = action(mnuView, "mnuViewToolbar", QStringLiteral("&Toolbar"));
+    mnuViewToolbar->setCheckable(true);
+    mnuViewToolbar->setChecked(true);
+    mnuViewStatusBar = action(mnuView, "mnuViewStatusBar", QStringLiteral("Status &Bar"));
+    mnuViewStatusBar->setCheckable(true);
+    mnuViewStatusBar->setChecked(true);
+
+    mnuhelp = menu("mnuhelp", QStringLiteral("&Help"));
+    mnuhelpcontents = action(mnuhelp, "mnuhelpcontents", QStringLiteral("&contents"));
+    mnuHelpAbout = action(mnuhelp, "mnuHelpAbout", QStringLiteral("&About "));
+}
+
+void frmMain::buildToolbar() {
+    tbToolBar = new QToolBar(client);
+    tbToolBar->setObjectName(QStringLiteral("tbToolBar"));
+    tbToolBar->setMovable(false);
+    tbToolBar->setFloatable(false);
+    tbToolBar->setIconSize(QSize(16, 16));
+    tbToolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    const char* keys[] = {"New", "Save", "Print", "Sample", "Graph"};
+    for (int i = 0; i < 5; ++i) {
+        if (i > 0) tbToolBar->addSeparator()->setObjectName(QStringLiteral("tbSeparator%1").arg(i));
+        const QString key = QLatin1String(keys[i]);
+        QAction* b = tbToolBar->addAction(toolbarIcon(key), key);
+        b->setObjectName(QStringLiteral("tbToolBar") + key);
+        b->setData(key);
+    }
+    toolbarButton(7)->setToolTip(QStringLiteral("Sample Properties"));
+    // nothing to save, print or draw before a calculation
+    toolbarButton(3)->setEnabled(false);
+    toolbarButton(5)->setEnabled(false);
+    toolbarButton(9)->setEnabled(false);
+    tbToolBar->setGeometry(0, 0, twipsToPixelsX(11400), twipsToPixelsY(kToolbarHeightTwips));
+}
+
+void frmMain::buildStatusBar() {
+    sbStatusBar = new QStatusBar(this);
+    sbStatusBar->setObjectName(QStringLiteral("sbStatusBar"));
+    setStatusBar(sbStatusBar);
+    auto panel = [this](const char* name) {
+        auto* l = new QLabel(sbStatusBar);
+        l->setObjectName(QLatin1String(name));
+        l->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        l->setTextFormat(Qt::PlainText);
+        return l;
+    };
+    panel1_ = panel("sbStatusBarPanel1");
+    panel2_ = panel("sbStatusBarPanel2");
+    panel3_ = panel("sbStatusBarPanel3");
+    panel2_->setMinimumWidth(90);
+    panel3_->setMinimumWidth(70);
+    panel2_->setAlignment(Qt::AlignCenter);
+    panel3_->setAlignment(Qt::AlignCenter);
+    sbStatusBar->addWidget(panel1_, 1);
+    sbStatusBar->addPermanentWidget(panel2_);
+    sbStatusBar->addPermanentWidget(panel3_);
+    panel1_->setText(workflow::EnteringData);
+
+    clock_ = new QTimer(this);
+    clock_->setInterval(1000);
+    connect(clock_, &QTimer::timeout, this, &frmMain::refreshClock);
+    refreshClock();
+}
+
+void frmMain::buildControls() {
+    auto frame = [](QWidget* parent, const char* name, const QString& caption) {
+        auto* f = new QGroupBox(caption, parent);
+        f->setObjectName(QLatin1String(name));
+        return f;
+    };
+    auto label = [](QWidget* parent, const char* name, const QString& caption) {
+        auto* l = new QLabel(caption, parent);
+        l->setObjectName(QLatin1String(name));
+        l->setTextFormat(Qt::PlainText);
+        l->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        return l;
+    };
+    auto box = [](QWidget* parent, const char* name, const QString& tip) {
+        auto* b = new QLineEdit(parent);
+        b->setObjectName(QLatin1String(name));
+        b->setToolTip(tip);
+        return b;
+    };
+    // one labelled box per row of a frame
+    auto row = [&](QGroupBox* f, int i, QLabel*& l, const char* lname, const QString& caption,
+                   QLineEdit*& b, const char* bname, const QString& tip) {
+        l = label(f, lname, caption);
+        b = box(f, bname, tip);
+        setTwipsGeometry(l, 120, 285 + 375 * i, 2400, 315);
+        setTwipsGeometry(b, 2520, 285 + 375 * i, 1215, 315);
+    };
+    const QString mgL = QStringLiteral("As mg/L");
+
+    frawater = frame(client, "frawater", QStringLiteral("Enter water characteristics below :"));
+    Frame4 = frame(frawater, "Frame4", QString());
+    row(Frame4, 0, lblalk, "lblalk", QStringLiteral("  Alkalinity (ALK)   ="), txtalk, "txtalk",
+        QStringLiteral("As mg/L caco3"));
+    row(Frame4, 1, lblph, "lblph", QStringLiteral("  pH                      =    "), txtph,
+        "txtph", QStringLiteral("Between 1 to 14"));
+    row(Frame4, 2, lblt, "lblt", QStringLiteral("Temperture (T)     =  "), txtt, "txtt",
+        QStringLiteral("T as Celsius "));
+
+    fratdsec = frame(frawater, "fratdsec", QString());
+    row(fratdsec, 0, lbltds, "lbltds", QStringLiteral("Dissolved solids (TDS) ="), txttds,
+        "txttds", mgL);
+    row(fratdsec, 1, lblec, "lblec", QStringLiteral("Electrical conductivity  = "), txtec, "txtec",
+        QStringLiteral("As Mili-Siemens per meter (mS/m)"));
+
+    frmcations = frame(frawater, "frmcations", QStringLiteral("cations :"));
+    row(frmcations, 0, lblca, "lblca", QStringLiteral("  Calcium as Ca             ="), txtca,
+        "txtca", mgL);
+    row(frmcations, 1, lblmg, "lblmg", QStringLiteral("  Magnesium as Mg       ="), txtmg,
+        "txtmg", mgL);
+    row(frmcations, 2, lblk, "lblk", QStringLiteral("Potassium as K            ="), txtk, "txtk",
+        mgL);
+    row(frmcations, 3, lblna, "lblna", QStringLiteral("Sodium as Na              ="), txtna,
+        "txtna", mgL);
+    row(frmcations, 4, lblzn, "lblzn", QStringLiteral("Zinc as Zn                   ="), txtzn,
+        "txtzn", mgL);
+    row(frmcations, 5, lblmn, "lblmn", QStringLiteral("Manganese as Mn      ="), txtmn, "txtmn",
+        mgL);
+    row(frmcations, 6, lblfe, "lblfe", QStringLiteral("Iron as Fe                    ="), txtfe,
+        "txtfe", mgL);
+    row(frmcations, 7, lblal, "lblal", QStringLiteral("Aluminium as AL          ="), txtal,
+        "txtal", mgL);
+
+    frmanions = frame(frawater, "frmanions", QStringLiteral("Anions :"));
+    row(frmanions, 0, lblhco3, "lblhco3", QStringLiteral("Bicarbonate as HCO3   ="), txthco3,
+        "txthco3", mgL);
+    row(frmanions, 1, lblco3, "lblco3", QStringLiteral("Carbonate as CO3        ="), txtco3,
+        "txtco3", mgL);
+    row(frmanions, 2, lblno2, "lblno2", QStringLiteral("Nitrite as NO2              ="), txtno2,
+        "txtno2", mgL);
+    row(frmanions, 3, lblno3, "lblno3", QStringLiteral("Nitrate as NO3             ="), txtno3,
+        "txtno3", mgL);
+    row(frmanions, 4, lblf, "lblf", QStringLiteral("Fluoride as F                 ="), txtf,
+        "txtf", mgL);
+    row(frmanions, 5, lblcl, "lblcl", QStringLiteral("Chloride as Cl              ="), txtcl,
+        "txtcl", mgL);
+    row(frmanions, 6, lblso4, "lblso4", QStringLiteral("Solphate as SO4         ="), txtso4,
+        "txtso4", mgL);
+
+    frasample = frame(client, "frasample", QStringLiteral("Sample properties :"));
+    txtnam = box(frasample, "txtnam", QString());
+    txtorg = box(frasample, "txtorg", QString());
+    txtdat = box(frasample, "txtdat", QString());
+    txtloc = box(frasample, "txtloc", QString());
+    setTwipsGeometry(txtnam, 120, 300, 3120, 400);
+    setTwipsGeometry(txtorg, 3360, 300, 3120, 400);
+    setTwipsGeometry(txtdat, 120, 850, 3120, 400);
+    setTwipsGeometry(txtloc, 3360, 850, 3120, 400);
+    for (QLineEdit* b : {txtnam, txtorg, txtdat, txtloc}) {
+        b->setReadOnly(true);
+        b->setEnabled(false);
+    }
+    setBackColor(txtnam, vb::White);
+
+    fraaccuracy = frame(client, "fraaccuracy", QStringLiteral("Accuracy Test Results :"));
+    auto accuracyRow = [&](int i, QLabel*& l, const char* lname, const QString& caption,
+                           QLineEdit*& b, const char* bname) {
+        l = label(fraaccuracy, lname, caption);
+        b = box(fraaccuracy, bname, QString());
+        b->setReadOnly(true);
+        setTwipsGeometry(l, 120, 300 + 400 * i, 1900, 315);
+        setTwipsGeometry(b, 2040, 300 + 400 * i, 1215, 315);
+        l->setEnabled(false);
+        b->setEnabled(false);
+    };
+    accuracyRow(0, lblsumca, "lblsumca", QStringLiteral("Sum of Cations ="), txtsumca, "txtsumca");
+    accuracyRow(1, lblsuman, "lblsuman", QStringLiteral("Sum of Anions  ="), txtsuman, "txtsuman");
+    accuracyRow(2, lbldiff, "lbldiff", QStringLiteral("Percent diffrence(%) ="), txtdiff,
+                "txtdiff");
+
+    Image1 = new QLabel(client);
+    Image1->setObjectName(QStringLiteral("Image1"));
+    Image1->setAlignment(Qt::AlignCenter);
+
+    auto button = [this](const char* name, const QString& caption) {
+        auto* b = new QPushButton(caption, client);
+        b->setObjectName(QLatin1String(name));
+        b->setAutoDefault(false);
+        b->setEnabled(false);
+        return b;
+    };
+    cmdread = button("cmdread", QStringLiteral("&Read Data"));
+    cmdcalc = button("cmdcalc", QStringLiteral("&Calculate"));
+    cmdclear = button("cmdclear", QStringLiteral("&Clear"));
+    cmdshow = button("cmdshow", QStringLiteral("&Show results"));
+    cmdaccuracy = button("cmdaccuracy", QStringLiteral("Water analysis accuracy test"));
+    setBackColor(cmdread, vb::ReadButton);
+    setBackColor(cmdcalc, vb::CalcButton);
+    setBackColor(cmdaccuracy, vb::ButtonFace);
+
+    // the arrangement for the Langelier equation
+    for (QLineEdit* b : {txtt, txtph, txtalk, txtca, txttds})
+        setBackColor(b, vb::Cyan);
+    for (QLineEdit* b : {txtec, txtmg, txtk, txtna, txtzn, txtmn, txtfe, txtal, txthco3, txtco3,
+                         txtno2, txtno3, txtf}) {
+        setBackColor(b, vb::LightBlue);
+        b->setEnabled(false);
+    }
+    for (QLineEdit* b : {txtcl, txtso4}) {
+        setBackColor(b, vb::Yellow);
+        b->setEnabled(false);
+    }
+    for (QLabel* l : {lblec, lblmg, lblk, lblna, lblzn, lblmn, lblfe, lblal, lblhco3, lblco3,
+                      lblno2, lblno3, lblf, lblcl, lblso4})
+        l->setEnabled(false);
+    frmanions->setEnabled(false);
+    frasample->setEnabled(false);
+    fraaccuracy->setEnabled(false);
+
+    // the left and width of these stay as designed on an 800 x 600 screen
+    setTwipsGeometry(fratdsec, 4080, 240, 3855, 1095);
+    setTwipsGeometry(cmdread, 8700, 2040, 2400, 375);
+    setTwipsGeometry(cmdcalc, 8700, 2520, 2400, 375);
+    setTwipsGeometry(cmdclear, 8700, 3000, 2400, 375);
+    setTwipsGeometry(cmdshow, 8700, 3480, 2400, 375);
+    setTwipsGeometry(cmdaccuracy, 8700, 4500, 2400, 450);
+    setTwipsGeometry(Image1, 8700, 600, 2400, 1335);
+    Image1->setPixmap(programPicture(Image1->size()));
+    // the rest is designed as an 800 x 600 screen places it
+    placeControls();
+}
+
+void frmMain::connectHandlers() {
+    connect(cmdread, &QPushButton::clicked, this, &frmMain::cmdread_Click);
+    connect(cmdaccuracy, &QPushButton::clicked, this, &frmMain::cmdaccuracy_Click);
+    connect(cmdcalc, &QPushButton::clicked, this, &frmMain::cmdcalc_Click);
+    connect(cmdshow, &QPushButton::clicked, this, &frmMain::cmdshow_Click);
+    connect(cmdclear, &QPushButton::clicked, this, &frmMain::cmdclear_Click);
+
+    connect(mnuFileNew, &QAction::triggered, this, &frmMain::mnuFileNew_Click);
+    connect(mnuFileSave, &QAction::triggered, this, &frmMain::mnuFileSave_Click);
+    connect(mnuFileProperties, &QAction::triggered, this, &frmMain::mnuFileProperties_Click);
+    connect(mnuFilePrint, &QAction::triggered, this, &frmMain::mnuFilePrint_Click);
+    connect(mnuFileExit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
+    connect(mnusettingis, &QAction::triggered, this, &frmMain::mnusettingis_Click);
+    connect(mnusittingac, &QAction::triggered, this, &frmMain::mnusittingac_Click);
+    connect(mnuoptionoptions, &QAction::triggered, this, &frmMain::mnuoptionoptions_Click);
+    connect(mnuhelpcontents, &QAction::triggered, this, &frmMain::mnuhelpcontents_Click);
+    connect(mnuHelpAbout, &QAction::triggered, this, &frmMain::mnuHelpAbout_Click);
+    // a checkable action has already turned its check mark when it triggers;
+    // the handlers turn it themselves
+    connect(mnuViewToolbar, &QAction::triggered, this, [this](bool checked) {
+        mnuViewToolbar->setChecked(!checked);
+        mnuViewToolbar_Click();
+    });
+    connect(mnuViewStatusBar, &QAction::triggered, this, [this](bool checked) {
+        mnuViewStatusBar->setChecked(!checked);
+        mnuViewStatusBar_Click();
+    });
+    connect(tbToolBar, &QToolBar::actionTriggered, this, &frmMain::tbToolBar_ButtonClick);
+
+    connect(txtal, &QLineEdit::textChanged, this, &frmMain::txtal_Change);
+    connect(txtco3, &QLineEdit::textChanged, this, &frmMain::txtco3_Change);
+    connect(txtf, &QLineEdit::textChanged, this, &frmMain::txtf_Change);
+    connect(txtfe, &QLineEdit::textChanged, this, &frmMain::txtfe_Change);
+    connect(txthco3, &QLineEdit::textChanged, this, &frmMain::txthco3_Change);
+    connect(txtk, &QLineEdit::textChanged, this, &frmMain::txtk_Change);
+    connect(txtmg, &QLineEdit::textChanged, this, &frmMain::txtmg_Change);
+    connect(txtmn, &QLineEdit::textChanged, this, &frmMain::txtmn_Change);
+    connect(txtna, &QLineEdit::textChanged, this, &frmMain::txtna_Change);
+    connect(txtno2, &QLineEdit::textChanged, this, &frmMain::txtno2_Change);
+    connect(txtno3, &QLineEdit::textChanged, this, &frmMain::txtno3_Change);
+    connect(txtzn, &QLineEdit::textChanged, this, &frmMain::txtzn_Change);
+    connect(txtalk, &QLineEdit::textChanged, this, &frmMain::txtalk_Change);
+    connect(txtca, &QLineEdit::textChanged, this, &frmMain::txtca_Change);
+    connect(txtt, &QLineEdit::textChanged, this, &frmMain::txtt_Change);
+    connect(txtph, &QLineEdit::textChanged, this, &frmMain::txtph_Change);
+    connect(txtec, &QLineEdit::textChanged, this, &frmMain::txtec_Change);
+    connect(txttds, &QLineEdit::textChanged, this, &frmMain::txttds_Change);
+    connect(txtcl, &QLineEdit::textChanged, this, &frmMain::txtcl_Change);
+    connect(txtso4, &QLineEdit::textChanged, this, &frmMain::txtso4_Change);
+}
+
+// ---------------------------------------------------------------------------
+// Small accessors
+
+QAction* frmMain::toolbarButton(int position) const {
+    const QList<QAction*> buttons = tbToolBar->actions();
+    return position >= 1 && position <= buttons.size() ? buttons.at(position - 1) : nullptr;
+}
+
+QLabel* frmMain::statusPanel(int panel) const {
+    switch (panel) {
+    case 1:
+        return panel1_;
+    case 2:
+        return panel2_;
+    case 3:
+        return panel3_;
+    }
+    return nullptr;
+}
+
+QString frmMain::statusText() const { return panel1_->text(); }
+
+void frmMain::setStatusText(const QString& text) { panel1_->setText(text); }
+
+QList<QLineEdit*> frmMain::analysisBoxes() const {
+    return {txttds, txtec,  txtt,    txtph,  txtalk, txtca,  txtmg, txtk,  txtna,  txtzn,
+            txtmn,  txtfe,  txtal,   txthco3, txtco3, txtno2, txtno3, txtf, txtcl, txtso4};
+}
+
+AnalysisTexts frmMain::analysisTexts() const {
+    auto s = [](const QLineEdit* b) { return b->text().toStdString(); };
+    AnalysisTexts t;
+    t.tds = s(txttds);
+    t.ec = s(txtec);
+    t.t = s(txtt);
+    t.ph = s(txtph);
+    t.alk = s(txtalk);
+    t.ca = s(txtca);
+    t.mg = s(txtmg);
+    t.k = s(txtk);
+    t.na = s(txtna);
+    t.zn = s(txtzn);
+    t.mn = s(txtmn);
+    t.fe = s(txtfe);
+    t.al = s(txtal);
+    t.hco3 = s(txthco3);
+    t.co3 = s(txtco3);
+    t.no2 = s(txtno2);
+    t.no3 = s(txtno3);
+    t.f = s(txtf);
+    t.cl = s(txtcl);
+    t.so4 = s(txtso4);
+    return t;
+}
+
+void frmMain::refreshClock() {
+    const QDateTime now = platform().now();
+    const QLocale locale;
+    panel2_->setText(locale.toString(now.date(), QLocale::ShortFormat));
+    panel3_->setText(locale.toString(now.time(), QLocale::ShortFormat));
+}
+
+bool frmMain::sweepChecked() const { return frmOptions::instance()->chkphsweep->isChecked(); }
+
+bool frmMain::larsonSkoldChecked() const { return frmOptions::instance()->chklr->isChecked(); }
+
+void frmMain::reportFailure(const QString& command, const char* what) {
+    platform().message(this, QStringLiteral("%1 failed: %2.").arg(command, QString::fromUtf8(what)),
+                       QStringLiteral("Velmora"), Platform::Icon::Critical);
+}
+
+// ---------------------------------------------------------------------------
+// Placement
+
+void frmMain::applySmallScreenPlacement() {
+    moveTwips(this, 400, 100);
+    resize(width(), twipsToPixelsY(8500));
+    placeControls();
+}
+
+void frmMain::placeControls() {
+    auto topHeight = [](QWidget* w, int top, int height) {
+        w->setGeometry(w->x(), twipsToPixelsY(top), w->width(), twipsToPixelsY(height));
+    };
+    setTwipsGeometry(frawater, 360, 480, 8175, 4815);
+    setTwipsGeometry(Frame4, 120, 240, 3855, 1455);
+    topHeight(fratdsec, 240, 1095);
+    setTwipsGeometry(frmcations, 4080, 1320, 3855, 3375);
+    setTwipsGeometry(frmanions, 120, 1680, 3855, 3015);
+    setTwipsGeometry(frasample, 360, 5500, 6600, 1600);
+    topHeight(txtnam, 300, 400);
+    topHeight(txtorg, 300, 400);
+    topHeight(txtdat, 850, 400);
+    topHeight(txtloc, 850, 400);
+    setTwipsGeometry(fraaccuracy, 7080, 5500, 3375, 1600);
+    topHeight(cmdread, 2040, 375);
+    topHeight(cmdcalc, 2520, 375);
+    topHeight(cmdclear, 3000, 375);
+    topHeight(cmdshow, 3480, 375);
+    topHeight(cmdaccuracy, 4500, 450);
+    topHeight(Image1, 600, 1335);
+}
+
+bool frmMain::restoreSavedPlacement() {
+    int twips[4];
+    const char* keys[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
+    for (int i = 0; i < 4; ++i) {
+        bool ok = false;
+        const double v = platform()
+                             .readSetting(QStringLiteral("Velmora"), QStringLiteral("Settings"),
+                                          QLatin1String(keys[i]))
+                             .toDouble(&ok);
+        if (!ok || v < -1e7 || v > 1e7) return false;
+        twips[i] = static_cast<int>(v);
+    }
+    const int left = twipsToPixelsX(twips[0]), top = twipsToPixelsY(twips[1]);
+    const int width = twipsToPixelsX(twips[2]), height = twipsToPixelsY(twips[3]);
+    const QSize screen = platform().screenPixels();
+    const QSize least = minimumSizeHint().expandedTo(QSize(200, 150));
+    if (left < 0 || top < 0 || width < least.width() || height < least.height() ||
+        left + width > screen.width() || top + height > screen.height())
+        return false;
+    move(left, top);
+    resize(width, height);
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+// Window events
+
+void frmMain::Form_Load() { QDir::setCurrent(QCoreApplication::applicationDirPath()); }
+
+void frmMain::showEvent(QShowEvent* event) {
+    refreshClock();
+    clock_->start();
+    QMainWindow::showEvent(event);
+}
+
+void frmMain::hideEvent(QHideEvent* event) {
+    clock_->stop();
+    QMainWindow::hideEvent(event);
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    // every other window of the program goes first, the newest first
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
+        QWidget* w = *it;
+        if (w != this && w->testAttribute(Qt::WA_DeleteOnClose)) w->close();
+    }
+    if (!isMinimized()) {
+        Platform& p = platform();
+        const QString app = QStringLiteral("Velmora"), section = QStringLiteral("Settings");
+        p.writeSetting(app, section, QStringLiteral("MainLeft"), settingText(pixelsToTwipsX(x())));
+        p.writeSetting(app, section, QStringLiteral("MainTop"), settingText(pixelsToTwipsY(y())));
+        p.writeSetting(app, section, QStringLiteral("MainWidth"),
+                       settingText(pixelsToTwipsX(width())));
+        p.writeSetting(app, section, QStringLiteral("MainHeight"),
+                       settingText(pixelsToTwipsY(height())));
+    }
+    event->accept();
+    if (s_main == this) {
+        s_main = nullptr;
+        theEngine().setObserver(nullptr);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Menus
+
+void frmMain::mnuoptionoptions_Click() {
+    frmOptions* options = frmOptions::instance();
+    if (isSmallScreen()) moveTwips(options, 2500, 1500);
+    options->show();
+    options->raise();
+}
+
+void frmMain::mnusettingis_Click() {
+    frmionic* dialog = frmionic::instance();
+    dialog->show();
+    dialog->raise();
+}
+
+void frmMain::mnusittingac_Click() {
+    frmactivity* dialog = frmactivity::instance();
+    dialog->show();
+    dialog->raise();
+}
+
+void frmMain::mnuHelpAbout_Click() { platform().execModal(frmAbout::instance()); }
+
+void frmMain::mnuhelpcontents_Click() {
+    platform().message(this, QStringLiteral(" There have been no Help associated with this project yet."),
+                       windowTitle(), Platform::Icon::Information);
+}
+
+void frmMain::mnuViewToolbar_Click() {
+    mnuViewToolbar->setChecked(!mnuViewToolbar->isChecked());
+    tbToolBar->setVisible(mnuViewToolbar->isChecked());
+}
+
+void frmMain::mnuViewStatusBar_Click() {
+    mnuViewStatusBar->setChecked(!mnuViewStatusBar->isChecked());
+    sbStatusBar->setVisible(mnuViewStatusBar->isChecked());
+}
+
+void frmMain::mnuFileExit_Click() { close(); }
+
+void frmMain::mnuFileProperties_Click() { openPropertiesDialog(); }
+
+// The report commands come with the report output; until then they do nothing.
+void frmMain::mnuFileSave_Click() {}
+void frmMain::mnuFilePrint_Click() {}
+
+void frmMain::tbToolBar_ButtonClick(QAction* button) {
+    const QString key = button ? button->data().toString() : QString();
+    if (key == QLatin1String("New")) {
+        mnuFileNew_Click();
+    } else if (key == QLatin1String("Sample")) {
+        openPropertiesDialog();
+    }
+    // "Save", "Print" and "Graph" come with the report and graph windows
+}
+
+// ---------------------------------------------------------------------------
+// Clear and New
+
+void frmMain::clearAccuracyFrame() {
+    for (QWidget* w : std::initializer_list<QWidget*>{fraaccuracy, lblsumca, lblsuman, lbldiff,
+                                                      txtsumca, txtsuman, txtdiff})
+        w->setEnabled(false);
+    txtsumca->clear();
+    txtsuman->clear();
+    txtdiff->clear();
+}
+
+void frmMain::cmdclear_Click() {
+    for (QLineEdit* b : analysisBoxes())
+        b->setText(QString());
+    cmdread->setEnabled(false);
+    cmdcalc->setEnabled(false);
+    mnusettingis->setEnabled(true);
+    mnusittingac->setEnabled(true);
+    txtt->setFocus();
+    clearLangelierRyznar();
+    if (sweepChecked()) toolbarButton(9)->setEnabled(false);
+    clearAccuracyFrame();
+    cmdaccuracy->setEnabled(false);
+    setBackColor(cmdaccuracy, vb::ButtonFace);
+    cmdshow->setEnabled(false);
+    setStatusText(workflow::EnteringData);
+}
+
+void frmMain::mnuFileNew_Click() {
+    for (QLineEdit* b : analysisBoxes())
+        b->setText(QString());
+    cmdaccuracy->setEnabled(false);
+    mnusettingis->setEnabled(true);
+    mnusittingac->setEnabled(true);
+    cmdread->setEnabled(false);
+    cmdcalc->setEnabled(false);
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    setBackColor(cmdaccuracy, vb::ButtonFace);
+    setStatusText(workflow::EnteringDataNew);
+    txtt->setFocus();
+    clearAccuracyFrame();
+    frasample->setEnabled(false);
+    for (QLineEdit* b : {txtnam, txtloc, txtorg, txtdat}) {
+        b->setEnabled(false);
+        b->clear();
+    }
+    if (sweepChecked()) toolbarButton(9)->setEnabled(false);
+}
+
+// ---------------------------------------------------------------------------
+// Read Data, the accuracy test, Calculate and Show results
+
+void frmMain::cmdread_Click() {
+    try {
+        const ReadDataResult r = readAnalysis(theEngine(), analysisTexts(), theOptions().equations,
+                                              theOptions().index.bllr);
+        switch (r.outcome) {
+        case ReadDataResult::Outcome::Message:
+            platform().message(this, QString::fromStdString(r.messageText),
+                               QString::fromStdString(r.messageTitle), Platform::Icon::None);
+            break;
+        case ReadDataResult::Outcome::Accepted:
+            cmdcalc->setEnabled(true);
+            setStatusText(workflow::ReadyForAnalysis);
+            break;
+        case ReadDataResult::Outcome::Rejected:
+            setStatusText(workflow::AnalysisRejected);
+            break;
+        }
+    } catch (const std::exception& e) {
+        reportFailure(QStringLiteral("Read Data"), e.what());
+    }
+}
+
+void frmMain::cmdaccuracy_Click() {
+    for (QWidget* w : std::initializer_list<QWidget*>{fraaccuracy, lblsumca, lblsuman, lbldiff,
+                                                      txtsumca, txtsuman, txtdiff})
+        w->setEnabled(true);
+    const AnalysisRecord& r = theEngine().rec;
+    txtsumca->setText(QString::fromStdString(fmt::rounded(r.sumca, 5)));
+    txtsuman->setText(QString::fromStdString(fmt::rounded(r.suman, 5)));
+    txtdiff->setText(QString::fromStdString(fmt::rounded(r.diff, 5)));
+}
+
+void frmMain::cmdcalc_Click() {
+    WindowInputs in = windowInputs(analysisTexts());
+    const frmOptions* options = frmOptions::instance();
+    in.sweepChecked = options->chkphsweep->isChecked();
+    in.initialText = options->txtinitialph->text().toStdString();
+    in.incrementText = options->txtincrementph->text().toStdString();
+    in.stepText = options->txtstep->text().toStdString();
+    try {
+        theEngine().calculate(theOptions().equations, in);
+    } catch (const std::exception& e) {
+        reportFailure(QStringLiteral("Calculate"), e.what());
+    }
+}
+
+void frmMain::cmdshow_Click() {
+    cmdcalc->setEnabled(false);
+    cmdread->setEnabled(false);
+    mnusettingis->setEnabled(false);
+    mnusittingac->setEnabled(false);
+    try {
+        publishResultsWindows(theEngine(), theOptions());
+        showResultsWindow(theEngine(), theOptions());
+    } catch (const std::exception& e) {
+        reportFailure(QStringLiteral("Show results"), e.what());
+    }
+}
+
+// ---------------------------------------------------------------------------
+// What the engine does to the window
+
+void frmMain::pointCompleted(bool sweep) {
+    setStatusText(workflow::AnalysisDone);
+    cmdclear->setEnabled(true);
+    cmdshow->setEnabled(true);
+    if (sweep) toolbarButton(9)->setEnabled(true);
+    toolbarButton(3)->setEnabled(true);
+    toolbarButton(5)->setEnabled(true);
+    mnuFileSave->setEnabled(true);
+    mnuFilePrint->setEnabled(true);
+}
+
+void frmMain::accuracyVerdict(bool acceptable) {
+    setBackColor(cmdaccuracy, acceptable ? vb::Green : vb::Red);
+    cmdaccuracy->setEnabled(true);
+    setStatusText(acceptable ? workflow::AccuracyAcceptable : workflow::AccuracyUnacceptable);
+}
+
+void frmMain::accuracyRefresh() {
+    if (!enabledFlag(fraaccuracy)) return;
+    const AnalysisRecord& r = theEngine().rec;
+    txtsumca->setText(QString::fromStdString(fmt::rounded(r.sumca, 5)));
+    txtsuman->setText(QString::fromStdString(fmt::rounded(r.suman, 5)));
+    txtdiff->setText(QString::fromStdString(fmt::rounded(r.diff, 5)));
+}
+
+void frmMain::publishResults() { publishResultsWindows(theEngine(), theOptions()); }
+
+void frmMain::message(const std::string& text, const std::string& title, MessageIcon icon) {
+    platform().message(this, QString::fromStdString(text), QString::fromStdString(title),
+                       platformIcon(icon));
+}
+
+// ---------------------------------------------------------------------------
+// Validation of the analysis boxes, on every change of their text
+
+bool frmMain::rejectNonNumber(QLineEdit* box) {
+    const QString text = box->text();
+    if (text.isEmpty() || fmt::isNumber(text.toStdString())) return false;
+    platform().message(this, QStringLiteral("You must enter a number!"),
+                       QStringLiteral("Invalid input data"), Platform::Icon::Information);
+    box->setText(QString());
+    return true;
+}
+
+void frmMain::workflowAfterEdit() {
+    const QString state = statusText();
+    if (state == workflow::ReadyForAnalysis) cmdcalc->setEnabled(false);
+    if (state == workflow::AnalysisDone) {
+        cmdread->setEnabled(true);
+        cmdcalc->setEnabled(false);
+        mnusettingis->setEnabled(true);
+        mnusittingac->setEnabled(true);
+    }
+    if (sweepChecked()) toolbarButton(9)->setEnabled(false);
+}
+
+void frmMain::plainChange(QLineEdit* box) {
+    if (rejectNonNumber(box)) return;
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    workflowAfterEdit();
+}
+
+void frmMain::enterReadyToRead(bool enableRead, bool disableCalc) {
+    setStatusText(workflow::ReadyToRead);
+    if (enableRead) cmdread->setEnabled(true);
+    if (disableCalc) cmdcalc->setEnabled(false);
+}
+
+void frmMain::lewisBlock() {
+    if (!theOptions().equations.bllewis) return;
+    if (filled({txtt, txtph, txtalk, txtca})) enterReadyToRead(true, true);
+}
+
+void frmMain::russellBlock() {
+    if (!theOptions().equations.blrus) return;
+    const bool complete = larsonSkoldChecked()
+                              ? filled({txtt, txtph, txtalk, txtca, txtec, txtcl, txtso4})
+                              : filled({txtt, txtph, txtalk, txtca, txtec});
+    if (complete) enterReadyToRead(true, true);
+}
+
+void frmMain::langelierBlock(QLineEdit* box) {
+    if (!theOptions().equations.bllang) return;
+    if (!theOptions().index.bllr) {
+        if (filled({txtt, txtph, txtalk, txtca, txttds})) enterReadyToRead(true, false);
+        return;
+    }
+    const QList<const QLineEdit*> set = {txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4};
+    bool all = true, othersFilled = true;
+    for (const QLineEdit* b : set) {
+        if (b->text().isEmpty()) {
+            all = false;
+            if (b != box) othersFilled = false;
+        }
+    }
+    if (all) setStatusText(workflow::ReadyToRead);
+    if (othersFilled) enterReadyToRead(true, false);
+}
+
+void frmMain::runBlock(Block block, QLineEdit* box) {
+    switch (block) {
+    case Block::Lewis:
+        lewisBlock();
+        break;
+    case Block::Russell:
+        russellBlock();
+        break;
+    case Block::Langelier:
+        langelierBlock(box);
+        break;
+    }
+}
+
+void frmMain::requirementChange(QLineEdit* box, std::initializer_list<Block> blocks) {
+    if (rejectNonNumber(box)) return;
+    if (box == txtph && !box->text().isEmpty()) {
+        const double ph = fmt::strictNumber(box->text().toStdString()).value_or(0.0);
+        if (ph <= 0 || ph > 14) {
+            platform().message(this, QStringLiteral("pH must be a positive number up to 14 ."),
+                               QStringLiteral("Invalid input data"), Platform::Icon::Information);
+            box->setText(QString());
+            return;
+        }
+    }
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    for (Block b : blocks)
+        runBlock(b, box);
+    workflowAfterEdit();
+    if (box->text().isEmpty()) cmdread->setEnabled(false);
+}
+
+void frmMain::chlorideSulphateChange(QLineEdit* box) {
+    if (rejectNonNumber(box)) return;
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    if (theOptions().index.bllr) {
+        if (filled({txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4}))
+            enterReadyToRead(true, true);
+        if (txtcl->text().isEmpty() || txtso4->text().isEmpty()) cmdread->setEnabled(false);
+    }
+    russellBlock();
+    workflowAfterEdit();
+}
+
+void frmMain::txtal_Change() { plainChange(txtal); }
+void frmMain::txtco3_Change() { plainChange(txtco3); }
+void frmMain::txtf_Change() { plainChange(txtf); }
+void frmMain::txtfe_Change() { plainChange(txtfe); }
+void frmMain::txthco3_Change() { plainChange(txthco3); }
+void frmMain::txtk_Change() { plainChange(txtk); }
+void frmMain::txtmg_Change() { plainChange(txtmg); }
+void frmMain::txtmn_Change() { plainChange(txtmn); }
+void frmMain::txtna_Change() { plainChange(txtna); }
+void frmMain::txtno2_Change() { plainChange(txtno2); }
+void frmMain::txtno3_Change() { plainChange(txtno3); }
+void frmMain::txtzn_Change() { plainChange(txtzn); }
+
+void frmMain::txtalk_Change() {
+    requirementChange(txtalk, {Block::Lewis, Block::Langelier, Block::Russell});
+}
+void frmMain::txtt_Change() {
+    requirementChange(txtt, {Block::Lewis, Block::Langelier, Block::Russell});
+}
+void frmMain::txtph_Change() {
+    requirementChange(txtph, {Block::Lewis, Block::Russell, Block::Langelier});
+}
+void frmMain::txtca_Change() {
+    requirementChange(txtca, {Block::Langelier, Block::Lewis, Block::Russell});
+}
+
+void frmMain::txtec_Change() {
+    if (rejectNonNumber(txtec)) return;
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    if (theOptions().equations.blrus && filled({txtt, txtph, txtalk, txtca, txtec}))
+        setStatusText(workflow::ReadyToRead);
+    russellBlock();
+    workflowAfterEdit();
+    if (txtec->text().isEmpty()) cmdread->setEnabled(false);
+}
+
+void frmMain::txttds_Change() {
+    if (rejectNonNumber(txttds)) return;
+    cmdclear->setEnabled(false);
+    cmdshow->setEnabled(false);
+    langelierBlock(txttds);
+    if (theOptions().equations.blrus && filled({txtt, txtph, txtalk, txtca, txtec}))
+        enterReadyToRead(true, true);
+    workflowAfterEdit();
+    if (txttds->text().isEmpty()) cmdread->setEnabled(false);
+}
+
+void frmMain::txtcl_Change() { chlorideSulphateChange(txtcl); }
+void frmMain::txtso4_Change() { chlorideSulphateChange(txtso4); }
+
+} // namespace velmora

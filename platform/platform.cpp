@@ -1,0 +1,136 @@
+// The Qt implementation of the platform: real message boxes, dialogs, the
+// primary screen, QSettings and the system clock.
+#include "platform/platform.h"
+
+#include <QDialog>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QMessageBox>
+#include <QScreen>
+#include <QSettings>
+
+#include <cmath>
+
+namespace velmora {
+
+namespace {
+
+class QtPlatform final : public Platform {
+public:
+    Answer message(QWidget* parent, const QString& text, const QString& title, Icon icon,
+                   Buttons buttons) override {
+        QMessageBox box(parent);
+        box.setWindowTitle(title);
+        box.setText(text);
+        switch (icon) {
+        case Icon::None:
+            box.setIcon(QMessageBox::NoIcon);
+            break;
+        case Icon::Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        case Icon::Warning:
+            box.setIcon(QMessageBox::Warning);
+            break;
+        case Icon::Critical:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case Icon::Question:
+            box.setIcon(QMessageBox::Question);
+            break;
+        }
+        switch (buttons) {
+        case Buttons::Ok:
+            box.setStandardButtons(QMessageBox::Ok);
+            break;
+        case Buttons::OkCancel:
+            box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+            break;
+        case Buttons::YesNo:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+            break;
+        case Buttons::YesNoCancel:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+            break;
+        }
+        switch (box.exec()) {
+        case QMessageBox::Cancel:
+            return Answer::Cancel;
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        default:
+            // Escape on a box without Cancel answers as its only button does
+            return buttons == Buttons::YesNo ? Answer::No : Answer::Ok;
+        }
+    }
+
+    void execModal(QDialog* dialog) override { dialog->exec(); }
+
+    QString saveFileName(QWidget* parent, const QString& filter) override {
+        return QFileDialog::getSaveFileName(parent, QString(), QString(), filter);
+    }
+
+    QSize screenPixels() override {
+        const QScreen* screen = QGuiApplication::primaryScreen();
+        return screen ? screen->size() : QSize(800, 600);
+    }
+    int twipsPerPixelX() override { return twipsPerPixel(true); }
+    int twipsPerPixelY() override { return twipsPerPixel(false); }
+
+    void writeSetting(const QString& app, const QString& section, const QString& key,
+                      const QString& value) override {
+        QSettings settings(app, app);
+        settings.setValue(section + QLatin1Char('/') + key, value);
+    }
+    QString readSetting(const QString& app, const QString& section, const QString& key) override {
+        const QSettings settings(app, app);
+        return settings.value(section + QLatin1Char('/') + key).toString();
+    }
+
+    QDateTime now() override { return QDateTime::currentDateTime(); }
+
+private:
+    static int twipsPerPixel(bool x) {
+        const QScreen* screen = QGuiApplication::primaryScreen();
+        const double dpi =
+            screen ? (x ? screen->logicalDotsPerInchX() : screen->logicalDotsPerInchY()) : 96.0;
+        const int tpp = dpi > 0 ? static_cast<int>(std::lround(1440.0 / dpi)) : 15;
+        return tpp > 0 ? tpp : 15;
+    }
+};
+
+Platform* installed = nullptr;
+
+} // namespace
+
+Platform& platform() {
+    static QtPlatform qt;
+    return installed ? *installed : qt;
+}
+
+void setPlatform(Platform* p) { installed = p; }
+
+bool isSmallScreen() {
+    Platform& p = platform();
+    const QSize twips = p.screenTwips();
+    const int tx = p.twipsPerPixelX();
+    const int ty = p.twipsPerPixelY();
+    if (tx <= 0 || ty <= 0) return false;
+    return static_cast<double>(twips.width()) / tx == 800.0 &&
+           static_cast<double>(twips.height()) / ty == 600.0;
+}
+
+int twipsToPixelsX(int twips) {
+    const int tpp = platform().twipsPerPixelX();
+    return tpp > 0 ? static_cast<int>(std::lround(static_cast<double>(twips) / tpp)) : twips / 15;
+}
+int twipsToPixelsY(int twips) {
+    const int tpp = platform().twipsPerPixelY();
+    return tpp > 0 ? static_cast<int>(std::lround(static_cast<double>(twips) / tpp)) : twips / 15;
+}
+int pixelsToTwipsX(int pixels) { return pixels * platform().twipsPerPixelX(); }
+int pixelsToTwipsY(int pixels) { return pixels * platform().twipsPerPixelY(); }
+
+} // namespace velmora

@@ -1,0 +1,29 @@
+#include "results/windowsupport.h"
+
+#include "platform/platform.h"
+
+#include <QApplication>
+
+namespace velmora {
+
+void placeOnSmallScreen(QWidget* window, int topTwips, int leftTwips) {
+    if (!window || !isSmallScreen()) return;
+    window->move(twipsToPixelsX(leftTwips), twipsToPixelsY(topTwips));
+}
+
+void showInFront(QWidget* window) {
+    window->show();
+    // Window stacking means nothing to the offscreen test platform.
+    if (QGuiApplication::platformName() != QLatin1String("offscreen")) {
+        window->raise();
+        window->activateWindow();
+    }
+}
+
+QWidget* mainWindow() {
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->inherits("velmora::frmMain") || w->inherits("frmMain")) return w;
+    return nullptr;
+}
+
+} // namespace velmora

@@ -1,0 +1,386 @@
+#include "intake/readdata.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+using namespace velmora;
+using Outcome = ReadDataResult::Outcome;
+
+namespace {
+
+constexpr const char* kTdsMessage = "you Should enter TDS,T,pH,Ca and Alk values at least !";
+constexpr const char* kEcMessage = "you Should enter ec,T,pH,Ca and Alk values at least !";
+constexpr const char* kLewisMessage = "you Should enter T,pH,Ca and Alk values at least !";
+constexpr const char* kAlkMessage = "you Should enter TDS,T,pH,Ca and Alk values at least ! !";
+
+// The worked sample: 25 degrees, pH 7.5, alkalinity 200, calcium 80, TDS 400.
+AnalysisTexts workedSample() {
+    AnalysisTexts b;
+    b.t = "25";
+    b.ph = "7.5";
+    b.alk = "200";
+    b.ca = "80";
+    b.tds = "400";
+    b.mg = "24";
+    b.cl = "50";
+    b.so4 = "60";
+    return b;
+}
+
+// The ion-balance example (Lewis and Randall): carbonate typed as 0.
+AnalysisTexts ionBalanceSample() {
+    AnalysisTexts b;
+    b.t = "25";
+    b.ph = "7.5";
+    b.alk = "200";
+    b.ca = "80";
+    b.mg = "24";
+    b.na = "46";
+    b.k = "3.9";
+    b.cl = "50";
+    b.so4 = "60";
+    b.hco3 = "244";
+    b.co3 = "0";
+    return b;
+}
+
+EquationFlags langelier() {
+    EquationFlags f;
+    f.bllang = true;
+    return f;
+}
+EquationFlags russell() {
+    EquationFlags f;
+    f.blrus = true;
+    return f;
+}
+EquationFlags lewis() {
+    EquationFlags f;
+    f.bllewis = true;
+    return f;
+}
+
+// Marks every entered field so that a test can tell what Read Data wrote.
+void poison(AnalysisRecord& r) {
+    for (double* p : {&r.tds, &r.ec, &r.ec100, &r.temp, &r.tk, &r.alkin, &r.ca, &r.mg, &r.k,
+                      &r.na, &r.zn, &r.mn, &r.fe, &r.al, &r.hco3in, &r.co3in, &r.no2, &r.no3,
+                      &r.f, &r.cl, &r.so4})
+        *p = -99;
+}
+
+class ReadData : public ::testing::Test {
+protected:
+    Engine engine;
+    void SetUp() override { poison(engine.rec); }
+};
+
+struct MessageCase {
+    const char* name;
+    EquationFlags flags;
+    const char* emptyBox; // which box of the worked sample is left empty
+    const char* text;
+    const char* title;
+};
+
+AnalysisTexts withEmpty(AnalysisTexts b, const std::string& box) {
+    if (box == "t") b.t.clear();
+    if (box == "ph") b.ph.clear();
+    if (box == "alk") b.alk.clear();
+    if (box == "ca") b.ca.clear();
+    if (box == "ec") b.ec.clear();
+    if (box == "tds") b.tds.clear();
+    return b;
+}
+
+TEST_F(ReadData, MissingValueMessages) {
+    // the worked sample with a conductivity, so that the Russell branch gets past its own check
+    AnalysisTexts full = workedSample();
+    full.ec = "85";
+    const std::vector<MessageCase> cases = {
+        {"langelier_t", langelier(), "t", kTdsMessage, "Velmora"},
+        {"langelier_ph", langelier(), "ph", kTdsMessage, "Velmora"},
+        {"langelier_ca", langelier(), "ca", kTdsMessage, "Velmora"},
+        // the Langelier branch checks alkalinity first, with its own message
+        {"langelier_alk", langelier(), "alk", kTdsMessage, "Velmora"},
+        {"russell_ec", russell(), "ec", kEcMessage, "Velmora"},
+        {"russell_t", russell(), "t", kTdsMessage, "Velmora"},
+        {"russell_ca", russell(), "ca", kTdsMessage, "Velmora"},
+        // only the Russell branch reaches the alkalinity step's message
+        {"russell_alk", russell(), "alk", kAlkMessage, "Velmora!!"},
+        {"lewis_t", lewis(), "t", kLewisMessage, "Velmora"},
+        {"lewis_ph", lewis(), "ph", kLewisMessage, "Velmora"},
+        {"lewis_alk", lewis(), "alk", kLewisMessage, "Velmora"},
+        {"no_equation_t", EquationFlags{}, "t", kTdsMessage, "Velmora"},
+        {"no_equation_ca", EquationFlags{}, "ca", kTdsMessage, "Velmora"},
+        {"no_equation_alk", EquationFlags{}, "alk", kAlkMessage, "Velmora!!"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Engine e;
+        EquationFlags flags = c.flags;
+        const ReadDataResult r = readAnalysis(e, withEmpty(full, c.emptyBox), flags, false);
+        EXPECT_EQ(r.outcome, Outcome::Message);
+        EXPECT_EQ(r.messageText, c.text);
+        EXPECT_EQ(r.messageTitle, c.title);
+    }
+}
+
+TEST_F(ReadData, LangelierWithEmptyTdsReadsZero) {
+    AnalysisTexts b = withEmpty(workedSample(), "tds");
+    EquationFlags flags = langelier();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.outcome, Outcome::Accepted);
+    EXPECT_EQ(engine.rec.tds, 0);
+    EXPECT_EQ(engine.rec.ionic, 0);
+    EXPECT_EQ(engine.rec.lanm, 1);
+}
+
+TEST_F(ReadData, RussellWithoutConductivityStoresNothing) {
+    AnalysisTexts b = workedSample();
+    EquationFlags flags = russell();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.messageText, kEcMessage);
+    for (double v : {engine.rec.ec, engine.rec.ec100, engine.rec.temp, engine.rec.tk,
+                     engine.rec.ca, engine.rec.alkin, engine.rec.tds})
+        EXPECT_EQ(v, -99);
+}
+
+TEST_F(ReadData, RussellStoresConductivityBeforeTheTemperatureMessage) {
+    AnalysisTexts b = withEmpty(workedSample(), "t");
+    b.ec = "85";
+    EquationFlags flags = russell();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.messageText, kTdsMessage);
+    EXPECT_EQ(r.messageTitle, "Velmora");
+    EXPECT_EQ(engine.rec.ec, 85);
+    EXPECT_EQ(engine.rec.ec100, 8500);
+    EXPECT_EQ(engine.rec.temp, -99);
+    EXPECT_EQ(engine.rec.tds, -99); // the TDS box is not read with Russell
+}
+
+TEST_F(ReadData, RussellDoesNotCheckThePh) {
+    AnalysisTexts b = withEmpty(workedSample(), "ph");
+    b.ec = "6";
+    EquationFlags flags = russell();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.outcome, Outcome::Accepted);
+    EXPECT_DOUBLE_EQ(engine.rec.ionic, 0.0096); // 1.6e-5 x 600
+}
+
+TEST_F(ReadData, MessagesKeepEarlierStepsStored) {
+    // calcium empty: temperature is already stored, alkalinity is not
+    AnalysisTexts b = withEmpty(workedSample(), "ca");
+    EquationFlags flags = russell();
+    b.ec = "85";
+    readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(engine.rec.temp, 25);
+    EXPECT_EQ(engine.rec.tk, 298.15);
+    EXPECT_EQ(engine.rec.ca, -99);
+    EXPECT_EQ(engine.rec.alkin, -99);
+}
+
+TEST_F(ReadData, LangelierStoresOnlyItsFields) {
+    EquationFlags flags = langelier();
+    const ReadDataResult r = readAnalysis(engine, workedSample(), flags, false);
+    EXPECT_EQ(r.outcome, Outcome::Accepted);
+    EXPECT_EQ(engine.rec.tds, 400);
+    EXPECT_EQ(engine.rec.temp, 25);
+    EXPECT_EQ(engine.rec.tk, 298.15);
+    EXPECT_EQ(engine.rec.ca, 80);
+    EXPECT_EQ(engine.rec.alkin, 200);
+    // not named for these options: left as they were
+    for (double v : {engine.rec.mg, engine.rec.cl, engine.rec.so4, engine.rec.ec, engine.rec.na,
+                     engine.rec.hco3in, engine.rec.co3in})
+        EXPECT_EQ(v, -99);
+    // activity by the default limiting law at I = 0.01, which the default flag now records
+    EXPECT_DOUBLE_EQ(engine.rec.ionic, 0.01);
+    EXPECT_NEAR(engine.rec.lanm, 0.891251, 1e-6);
+    EXPECT_NEAR(engine.rec.land, 0.630957, 1e-6);
+    EXPECT_TRUE(flags.bldebye);
+    EXPECT_TRUE(engine.rec.accuracyok);
+}
+
+TEST_F(ReadData, LarsonSkoldStoresChlorideAndSulphate) {
+    EquationFlags flags = langelier();
+    AnalysisTexts b = workedSample();
+    b.cl = "";
+    readAnalysis(engine, b, flags, true);
+    EXPECT_EQ(engine.rec.so4, 60);
+    EXPECT_EQ(engine.rec.cl, 0); // an empty optional box stores 0
+    EXPECT_EQ(engine.rec.mg, -99);
+}
+
+TEST_F(ReadData, LewisIonBalanceExampleIsUnacceptable) {
+    EquationFlags flags = lewis();
+    const ReadDataResult r = readAnalysis(engine, ionBalanceSample(), flags, true);
+    EXPECT_EQ(r.outcome, Outcome::Rejected);
+    EXPECT_TRUE(r.messageText.empty());
+    const AnalysisRecord& rec = engine.rec;
+    // every ion stored, empty boxes as 0; chloride and sulphate (twice) the same
+    EXPECT_EQ(rec.mg, 24);
+    EXPECT_EQ(rec.na, 46);
+    EXPECT_EQ(rec.k, 3.9);
+    EXPECT_EQ(rec.cl, 50);
+    EXPECT_EQ(rec.so4, 60);
+    EXPECT_EQ(rec.hco3in, 244);
+    EXPECT_EQ(rec.co3in, 0);
+    for (double v : {rec.al, rec.fe, rec.mn, rec.zn, rec.f, rec.no3, rec.no2})
+        EXPECT_EQ(v, 0);
+    // the conversion ran, the TDS became the ion sum
+    EXPECT_DOUBLE_EQ(rec.mca, 80.0 / 40080);
+    EXPECT_DOUBLE_EQ(rec.tds, 80 + 50 + 24 + 3.9 + 46 + 60 + 244);
+    EXPECT_NEAR(rec.sumca, 8.05603, 1e-5);
+    EXPECT_NEAR(rec.suman, 6.65952, 1e-5);
+    EXPECT_NEAR(rec.diff, 9.48998, 1e-5);
+    EXPECT_FALSE(rec.accuracyok);
+}
+
+TEST_F(ReadData, LewisBalancedAnalysisIsAccepted) {
+    AnalysisTexts b;
+    b.t = "25";
+    b.ph = "7";
+    b.alk = "50";
+    b.ca = "20.1";   // 1 meq/L
+    b.na = "22.99";  // 1 meq/L
+    b.cl = "70.906"; // 2 meq/L
+    b.hco3 = "0";
+    b.co3 = "0";
+    EquationFlags flags = lewis();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.outcome, Outcome::Accepted);
+    EXPECT_NEAR(engine.rec.diff, 0, 1e-9);
+}
+
+TEST_F(ReadData, LewisWithCarbonateEmptyReadsThePhStrictly) {
+    AnalysisTexts b = ionBalanceSample();
+    b.co3 = "";
+    b.ph = "7.5x"; // cannot come from a box, but Read Data itself does not guard it
+    EquationFlags flags = lewis();
+    try {
+        readAnalysis(engine, b, flags, false);
+        FAIL() << "expected a conversion error";
+    } catch (const EngineError& e) {
+        EXPECT_EQ(e.kind(), EngineError::Kind::BadConversion);
+    }
+}
+
+TEST_F(ReadData, BlanksAreNotEmptyAndReadAsZero) {
+    AnalysisTexts b = workedSample();
+    b.t = " ";
+    EquationFlags flags = langelier();
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.outcome, Outcome::Accepted);
+    EXPECT_EQ(engine.rec.temp, 0);
+    EXPECT_EQ(engine.rec.tk, 273.15);
+}
+
+TEST_F(ReadData, LeadingNumberReading) {
+    AnalysisTexts b = workedSample();
+    b.ca = " 80 mg";
+    b.alk = "2e2";
+    b.tds = "abc";
+    EquationFlags flags = langelier();
+    readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(engine.rec.ca, 80);
+    EXPECT_EQ(engine.rec.alkin, 200);
+    EXPECT_EQ(engine.rec.tds, 0);
+}
+
+TEST_F(ReadData, AllBranchesRunWhenSeveralFlagsAreSet) {
+    AnalysisTexts b = workedSample();
+    EquationFlags flags;
+    flags.bllang = true;
+    flags.blrus = true;
+    const ReadDataResult r = readAnalysis(engine, b, flags, false);
+    EXPECT_EQ(r.messageText, kEcMessage); // after the Langelier branch stored the TDS
+    EXPECT_EQ(engine.rec.tds, 400);
+}
+
+TEST_F(ReadData, OutOfRangeValuesAreOverflowErrors) {
+    struct Case {
+        const char* name;
+        EquationFlags flags;
+        std::string AnalysisTexts::*box;
+        const char* text;
+    };
+    const std::vector<Case> cases = {
+        {"calcium_beyond_double", langelier(), &AnalysisTexts::ca, "1e400"},
+        {"conductivity_times_100", russell(), &AnalysisTexts::ec, "1e307"},
+        {"temperature_beyond_double", langelier(), &AnalysisTexts::t, "-1e999"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Engine e;
+        poison(e.rec);
+        AnalysisTexts b = workedSample();
+        b.ec = "85";
+        b.*(c.box) = c.text;
+        EquationFlags flags = c.flags;
+        try {
+            readAnalysis(e, b, flags, false);
+            ADD_FAILURE() << "expected an overflow";
+        } catch (const EngineError& err) {
+            EXPECT_EQ(err.kind(), EngineError::Kind::Overflow);
+        }
+        EXPECT_NE(e.rec.ec100, HUGE_VAL);
+        EXPECT_NE(e.rec.ca, HUGE_VAL);
+    }
+}
+
+TEST(WindowInputsFromBoxes, CarriesPhAndCarbonateEmptiness) {
+    AnalysisTexts b;
+    b.ph = " 7.5";
+    b.hco3 = "";
+    b.co3 = "0";
+    const WindowInputs in = windowInputs(b);
+    EXPECT_EQ(in.phText, " 7.5");
+    EXPECT_TRUE(in.hco3Empty);
+    EXPECT_FALSE(in.co3Empty);
+    EXPECT_FALSE(in.sweepChecked);
+    b.hco3 = " ";
+    EXPECT_FALSE(windowInputs(b).hco3Empty);
+}
+
+TEST(BoxCheck, NumbersAndPhRange) {
+    struct Case {
+        const char* name;
+        const char* text;
+        bool isPh;
+        const char* message; // nullptr: accepted
+    };
+    const char* number = "You must enter a number!";
+    const char* ph = "pH must be a positive number up to 14 .";
+    const std::vector<Case> cases = {
+        {"empty_is_valid", "", false, nullptr},
+        {"empty_ph_is_valid", "", true, nullptr},
+        {"number", "80", false, nullptr},
+        {"letters", "abc", false, number},
+        {"lone_minus", "-", false, number},
+        {"lone_point", ".", false, number},
+        {"bare_exponent", "1e", false, number},
+        {"out_of_range", "1e400", false, number},
+        {"negative_is_a_number", "-5", false, nullptr},
+        {"ph_14_accepted", "14", true, nullptr},
+        {"ph_above_14", "14.01", true, ph},
+        {"ph_zero", "0", true, ph},
+        {"ph_negative", "-1", true, ph},
+        {"ph_letters", "x", true, number},
+        {"ph_small_positive", "0.5", true, nullptr},
+        {"ph_with_blanks", " 7.5 ", true, nullptr},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto m = checkBoxText(c.text, c.isPh);
+        if (c.message) {
+            ASSERT_TRUE(m.has_value());
+            EXPECT_EQ(*m, c.message);
+        } else {
+            EXPECT_FALSE(m.has_value());
+        }
+    }
+}
+
+} // namespace

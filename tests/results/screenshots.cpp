@@ -1,0 +1,89 @@
+// Pictures of the Results window, one interpretation window and the
+// equilibrium data window for the documentation, from the worked sample
+// (25 °C, pH 7.5, alkalinity 200, Ca 80, Mg 24, TDS 400, Cl 50, SO4 60 mg/L,
+// Langelier ionic strength, Debye-Huckel activity).
+//
+//   results_screenshots OUTPUT_FOLDER
+//
+// Run it under a real display (xvfb-run) or offscreen.
+#include "intake/readdata.h"
+#include "options/optionstate.h"
+#include "results/frmenterper.h"
+#include "results/frmmore.h"
+#include "results/frmresult.h"
+#include "results/results.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdio>
+
+using namespace velmora;
+
+namespace {
+
+bool save(QWidget* w, const QString& file) {
+    QTest::qWait(150);
+    const bool ok = w->grab().save(file);
+    std::printf("%s %s\n", ok ? "wrote" : "could not write", qPrintable(file));
+    return ok;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s OUTPUT_FOLDER\n", argv[0]);
+        return 2;
+    }
+    const QDir out(QString::fromLocal8Bit(argv[1]));
+
+    OptionState& options = theOptions();
+    options.index = IndexFlags{true, true, true, true, true, true, true, true};
+    options.equations = EquationFlags{};
+    options.equations.bllang = true;
+    options.equations.bldebye = true;
+
+    AnalysisTexts texts;
+    texts.t = "25";
+    texts.ph = "7.5";
+    texts.alk = "200";
+    texts.ca = "80";
+    texts.mg = "24";
+    texts.tds = "400";
+    texts.cl = "50";
+    texts.so4 = "60";
+    Engine& engine = theEngine();
+    try {
+        const ReadDataResult read = readAnalysis(engine, texts, options.equations, true);
+        if (read.outcome != ReadDataResult::Outcome::Accepted) {
+            std::fprintf(stderr, "the sample was not accepted: %s\n", read.messageText.c_str());
+            return 1;
+        }
+        engine.calculate(options.equations, windowInputs(texts));
+    } catch (const EngineError& e) {
+        std::fprintf(stderr, "engine error: %s\n", e.what());
+        return 1;
+    }
+
+    publishResultsWindows(engine, options);
+    showResultsWindow(engine, options);
+    frmresult* results = frmresult::instance();
+    results->move(20, 20);
+    bool ok = save(results, out.filePath("results.png"));
+
+    results->findChild<QPushButton*>("cmdri")->click();
+    frmenterper::instance()->move(20, 20);
+    ok = save(frmenterper::instance(), out.filePath("interpretation.png")) && ok;
+
+    results->findChild<QPushButton*>("cmdmore")->click();
+    frmmore::instance()->move(20, 20);
+    ok = save(frmmore::instance(), out.filePath("equilibrium.png")) && ok;
+
+    QApplication::closeAllWindows();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return ok ? 0 : 1;
+}
