@@ -126,6 +126,8 @@ public:
     long line() const { return line_; }
     // The record held more than kMaxRecord bytes; its text is cut short.
     bool tooLong() const { return tooLong_; }
+    // The input ended inside a quoted field of the record.
+    bool unterminated() const { return unterminated_; }
 
 private:
     bool fill();
@@ -138,7 +140,7 @@ private:
     long nextLine_ = 1, line_ = 0;
     std::string text_;               // field text of the record, fields back to back
     std::vector<std::size_t> ends_; // end of each field in text_
-    bool tooLong_ = false;
+    bool tooLong_ = false, unterminated_ = false;
 };
 
 // ---------------------------------------------------------------------------

@@ -2,7 +2,10 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <system_error>
 
 namespace velmora::fmt {
@@ -287,8 +290,291 @@ std::string printNum(double x) {
     return s;
 }
 
+namespace {
+
+// ---------------------------------------------------------------------------
+// The shortest decimal digits of a double by exact 128-bit arithmetic
+// (Ryu's method): the digits d and the exponent e of the shortest d x 10^e
+// that reads back to the value, the nearest such one when there are several.
+
+#include "engine/numformat_pow5.inc"
+
+using u128 = unsigned __int128;
+
+constexpr int kMantissaBits = 52;
+constexpr int kBias = 1023;
+constexpr int kPow5InvBits = 125;
+constexpr int kPow5Bits = 125;
+
+int pow5bits(int e) { return ((e * 1217359) >> 19) + 1; } // bit length of 5^e
+int log10Pow2(int e) { return (e * 78913) >> 18; }         // floor(e log10 2)
+int log10Pow5(int e) { return (e * 732923) >> 20; }        // floor(e log10 5)
+
+int pow5Factor(std::uint64_t v) {
+    int n = 0;
+    while (v % 5 == 0) {
+        v /= 5;
+        ++n;
+    }
+    return n;
+}
+bool multipleOfPow5(std::uint64_t v, int p) { return pow5Factor(v) >= p; }
+bool multipleOfPow2(std::uint64_t v, int p) { return (v & ((std::uint64_t{1} << p) - 1)) == 0; }
+
+std::uint64_t mulShift(std::uint64_t m, const std::uint64_t* mul, int j) {
+    const u128 b0 = static_cast<u128>(m) * mul[0];
+    const u128 b2 = static_cast<u128>(m) * mul[1];
+    return static_cast<std::uint64_t>(((b0 >> 64) + b2) >> (j - 64));
+}
+
+struct ShortestDigits {
+    std::uint64_t digits;
+    int exp;
+};
+
+ShortestDigits shortestDigits(std::uint64_t ieeeMantissa, int ieeeExponent) {
+    int e2;
+    std::uint64_t m2;
+    if (ieeeExponent == 0) {
+        e2 = 1 - kBias - kMantissaBits - 2;
+        m2 = ieeeMantissa;
+    } else {
+        e2 = ieeeExponent - kBias - kMantissaBits - 2;
+        m2 = (std::uint64_t{1} << kMantissaBits) | ieeeMantissa;
+    }
+    const bool acceptBounds = (m2 & 1) == 0;
+
+    // the interval of decimals that read back: (mm, mp) around mv, in units of 2^e2
+    const std::uint64_t mv = 4 * m2;
+    const std::uint32_t mmShift = ieeeMantissa != 0 || ieeeExponent <= 1;
+
+    std::uint64_t vr, vp, vm;
+    int e10;
+    bool vmTrailingZeros = false, vrTrailingZeros = false;
+    if (e2 >= 0) {
+        const int q = log10Pow2(e2) - (e2 > 3);
+        e10 = q;
+        const int k = kPow5InvBits + pow5bits(q) - 1;
+        const int i = -e2 + q + k;
+        vr = mulShift(4 * m2, kPow5Inv[q], i);
+        vp = mulShift(4 * m2 + 2, kPow5Inv[q], i);
+        vm = mulShift(4 * m2 - 1 - mmShift, kPow5Inv[q], i);
+        if (q <= 21) {
+            if (mv % 5 == 0) {
+                vrTrailingZeros = multipleOfPow5(mv, q);
+            } else if (acceptBounds) {
+                vmTrailingZeros = multipleOfPow5(mv - 1 - mmShift, q);
+            } else {
+                vp -= multipleOfPow5(mv + 2, q);
+            }
+        }
+    } else {
+        const int q = log10Pow5(-e2) - (-e2 > 1);
+        e10 = q + e2;
+        const int i = -e2 - q;
+        const int k = pow5bits(i) - kPow5Bits;
+        const int j = q - k;
+        vr = mulShift(4 * m2, kPow5[i], j);
+        vp = mulShift(4 * m2 + 2, kPow5[i], j);
+        vm = mulShift(4 * m2 - 1 - mmShift, kPow5[i], j);
+        if (q <= 1) {
+            vrTrailingZeros = true;
+            if (acceptBounds) {
+                vmTrailingZeros = mmShift == 1;
+            } else {
+                --vp;
+            }
+        } else if (q < 63) {
+            vrTrailingZeros = multipleOfPow2(mv, q);
+        }
+    }
+
+    // drop digits while the interval still holds a shorter decimal
+    int removed = 0;
+    std::uint64_t output;
+    if (vmTrailingZeros || vrTrailingZeros) {
+        int lastRemoved = 0;
+        while (vp / 10 > vm / 10) {
+            vmTrailingZeros &= vm % 10 == 0;
+            vrTrailingZeros &= lastRemoved == 0;
+            lastRemoved = static_cast<int>(vr % 10);
+            vr /= 10;
+            vp /= 10;
+            vm /= 10;
+            ++removed;
+        }
+        if (vmTrailingZeros) {
+            while (vm % 10 == 0) {
+                vrTrailingZeros &= lastRemoved == 0;
+                lastRemoved = static_cast<int>(vr % 10);
+                vr /= 10;
+                vp /= 10;
+                vm /= 10;
+                ++removed;
+            }
+        }
+        if (vrTrailingZeros && lastRemoved == 5 && vr % 2 == 0) lastRemoved = 4; // half: to even
+        output = vr + ((vr == vm && (!acceptBounds || !vmTrailingZeros)) || lastRemoved >= 5);
+    } else {
+        bool roundUp = false;
+        if (vp / 100 > vm / 100) {
+            roundUp = vr % 100 >= 50;
+            vr /= 100;
+            vp /= 100;
+            vm /= 100;
+            removed += 2;
+        }
+        while (vp / 10 > vm / 10) {
+            roundUp = vr % 10 >= 5;
+            vr /= 10;
+            vp /= 10;
+            vm /= 10;
+            ++removed;
+        }
+        output = vr + (vr == vm || roundUp);
+    }
+    return {output, e10 + removed};
+}
+
+constexpr char kTwoDigits[] = "00010203040506070809101112131415161718192021222324252627282930313233343536"
+                              "37383940414243444546474849505152535455565758596061626364656667686970717273"
+                              "7475767778798081828384858687888990919293949596979899";
+
+void write2(char* p, std::uint32_t v) { std::memcpy(p, kTwoDigits + 2 * v, 2); }
+
+void write4(char* p, std::uint32_t v) {
+    write2(p, v / 100);
+    write2(p + 2, v % 100);
+}
+
+// The decimal digits of v, right-aligned so that they end at `end`.
+void writeDigits(char* end, std::uint64_t v) {
+    while (v >= 100000000) {
+        const auto low = static_cast<std::uint32_t>(v % 100000000);
+        v /= 100000000;
+        end -= 8;
+        write4(end, low / 10000);
+        write4(end + 4, low % 10000);
+    }
+    auto w = static_cast<std::uint32_t>(v);
+    while (w >= 100) {
+        end -= 2;
+        write2(end, w % 100);
+        w /= 100;
+    }
+    if (w >= 10) {
+        end -= 2;
+        write2(end, w);
+    } else {
+        *--end = static_cast<char>('0' + w);
+    }
+}
+
+constexpr std::uint64_t kPow10[20] = {1u,
+                                      10u,
+                                      100u,
+                                      1000u,
+                                      10000u,
+                                      100000u,
+                                      1000000u,
+                                      10000000u,
+                                      100000000u,
+                                      1000000000u,
+                                      10000000000u,
+                                      100000000000u,
+                                      1000000000000u,
+                                      10000000000000u,
+                                      100000000000000u,
+                                      1000000000000000u,
+                                      10000000000000000u,
+                                      100000000000000000u,
+                                      1000000000000000000u,
+                                      10000000000000000000u};
+
+// The number of decimal digits of v > 0.
+int digitCount(std::uint64_t v) {
+    const int bits = 64 - __builtin_clzll(v);
+    const int n = (bits * 1233) >> 12; // about bits x log10 2
+    return n + (v >= kPow10[n]);
+}
+
+} // namespace
+
 char* shortestTo(char* first, char* last, double x) {
-    return std::to_chars(first, last, x).ptr;
+    std::uint64_t bits;
+    std::memcpy(&bits, &x, sizeof bits);
+    const bool negative = bits >> 63;
+    const std::uint64_t mantissa = bits & ((std::uint64_t{1} << kMantissaBits) - 1);
+    const int exponent = static_cast<int>((bits >> kMantissaBits) & 0x7FF);
+    if (exponent == 0x7FF) return std::to_chars(first, last, x).ptr; // infinite or NaN
+    char* p = first;
+    if (negative) *p++ = '-';
+    if (exponent == 0 && mantissa == 0) {
+        *p++ = '0';
+        return p;
+    }
+    const ShortestDigits d = shortestDigits(mantissa, exponent);
+    const int n = digitCount(d.digits);
+    const int sciExp = d.exp + n - 1;
+
+    // the shorter of the fixed and the exponent form, the fixed one on a tie
+    const int sciLength = n + (n > 1 ? 1 : 0) + 2 + (std::abs(sciExp) >= 100 ? 3 : 2);
+    int fixedLength;
+    if (d.exp >= 0) {
+        fixedLength = n + d.exp;
+    } else if (sciExp >= 0) {
+        fixedLength = n + 1;
+    } else {
+        fixedLength = 2 + (-sciExp - 1) + n;
+    }
+
+    if (fixedLength <= sciLength) {
+        if (d.exp >= 0) {
+            writeDigits(p + n, d.digits);
+            p += n;
+            std::memset(p, '0', static_cast<std::size_t>(d.exp));
+            return p + d.exp;
+        }
+        if (sciExp >= 0) { // point inside the digits
+            const int intDigits = sciExp + 1;
+            writeDigits(p + n + 1, d.digits);
+            std::memmove(p, p + 1, static_cast<std::size_t>(intDigits));
+            p[intDigits] = '.';
+            return p + n + 1;
+        }
+        *p++ = '0';
+        *p++ = '.';
+        const int zeros = -sciExp - 1;
+        std::memset(p, '0', static_cast<std::size_t>(zeros));
+        p += zeros;
+        writeDigits(p + n, d.digits);
+        return p + n;
+    }
+
+    // d.ddde+XX
+    writeDigits(p + n + 1, d.digits);
+    p[0] = p[1];
+    if (n > 1) {
+        p[1] = '.';
+        p += n + 1;
+    } else {
+        p += 1;
+    }
+    *p++ = 'e';
+    int e = sciExp;
+    if (e < 0) {
+        *p++ = '-';
+        e = -e;
+    } else {
+        *p++ = '+';
+    }
+    if (e >= 100) {
+        *p++ = static_cast<char>('0' + e / 100);
+        e %= 100;
+    }
+    std::memcpy(p, kTwoDigits + 2 * e, 2);
+    (void)last;
+    return p + 2;
 }
 
 std::string shortest(double x) {

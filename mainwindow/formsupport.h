@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QColor>
+#include <QRect>
 #include <QtGlobal>
 
 class QWidget;

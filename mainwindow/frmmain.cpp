@@ -145,7 +145,7 @@ frmMain::frmMain() {
     buildStatusBar();
 
     // design placement; an 800 x 600 screen gets its own (start procedure)
-    resize(twipsToPixelsX(11400), twipsToPixelsY(8700));
+    resize(twipsToPixelsX(11400), twipsToPixelsY(8200));
     moveTwips(this, 1200, 900);
 
     connectHandlers();
@@ -857,11 +857,12 @@ void frmMain::message(const std::string& text, const std::string& title, Message
 // ---------------------------------------------------------------------------
 // Validation of the analysis boxes, on every change of their text
 
-bool frmMain::rejectNonNumber(QLineEdit* box) {
-    const QString text = box->text();
-    if (text.isEmpty() || fmt::isNumber(text.toStdString())) return false;
-    platform().message(this, QStringLiteral("You must enter a number!"),
-                       QStringLiteral("Invalid input data"), Platform::Icon::Information);
+bool frmMain::rejectText(QLineEdit* box) {
+    const std::optional<std::string> rejection =
+        checkBoxText(box->text().toStdString(), box == txtph);
+    if (!rejection) return false;
+    platform().message(this, QString::fromStdString(*rejection),
+                       QString::fromLatin1(kBoxMessageTitle), Platform::Icon::Information);
     box->setText(QString());
     return true;
 }
@@ -879,7 +880,7 @@ void frmMain::workflowAfterEdit() {
 }
 
 void frmMain::plainChange(QLineEdit* box) {
-    if (rejectNonNumber(box)) return;
+    if (rejectText(box)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     workflowAfterEdit();
@@ -937,16 +938,8 @@ void frmMain::runBlock(Block block, QLineEdit* box) {
 }
 
 void frmMain::requirementChange(QLineEdit* box, std::initializer_list<Block> blocks) {
-    if (rejectNonNumber(box)) return;
-    if (box == txtph && !box->text().isEmpty()) {
-        const double ph = fmt::strictNumber(box->text().toStdString()).value_or(0.0);
-        if (ph <= 0 || ph > 14) {
-            platform().message(this, QStringLiteral("pH must be a positive number up to 14 ."),
-                               QStringLiteral("Invalid input data"), Platform::Icon::Information);
-            box->setText(QString());
-            return;
-        }
-    }
+    // the number check, and for pH its range
+    if (rejectText(box)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     for (Block b : blocks)
@@ -956,7 +949,7 @@ void frmMain::requirementChange(QLineEdit* box, std::initializer_list<Block> blo
 }
 
 void frmMain::chlorideSulphateChange(QLineEdit* box) {
-    if (rejectNonNumber(box)) return;
+    if (rejectText(box)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     if (theOptions().index.bllr) {
@@ -995,7 +988,7 @@ void frmMain::txtca_Change() {
 }
 
 void frmMain::txtec_Change() {
-    if (rejectNonNumber(txtec)) return;
+    if (rejectText(txtec)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     if (theOptions().equations.blrus && filled({txtt, txtph, txtalk, txtca, txtec}))
@@ -1006,7 +999,7 @@ void frmMain::txtec_Change() {
 }
 
 void frmMain::txttds_Change() {
-    if (rejectNonNumber(txttds)) return;
+    if (rejectText(txttds)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     langelierBlock(txttds);

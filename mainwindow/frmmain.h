@@ -90,6 +90,9 @@ public:
     QList<QLineEdit*> analysisBoxes() const;
     AnalysisTexts analysisTexts() const;
 
+    // Disables the accuracy frame, its labels and boxes, and empties the boxes.
+    void clearAccuracyFrame();
+
     // The placement for an 800 x 600 pixel screen.
     void applySmallScreenPlacement();
     // Puts the window where it was closed last time when that fits on the
@@ -162,7 +165,7 @@ private:
     void refreshClock();
 
     enum class Block { Lewis, Langelier, Russell };
-    bool rejectNonNumber(QLineEdit* box);
+    bool rejectText(QLineEdit* box);
     void plainChange(QLineEdit* box);
     void requirementChange(QLineEdit* box, std::initializer_list<Block> blocks);
     void runBlock(Block block, QLineEdit* box);
@@ -174,7 +177,6 @@ private:
     void enterReadyToRead(bool enableRead, bool disableCalc);
     bool sweepChecked() const;
     bool larsonSkoldChecked() const;
-    void clearAccuracyFrame();
     void reportFailure(const QString& command, const char* what);
 
     QLabel *panel1_ = nullptr, *panel2_ = nullptr, *panel3_ = nullptr;

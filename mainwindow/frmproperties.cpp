@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace velmora {
 
 namespace {
@@ -53,7 +55,9 @@ frmproperties* frmproperties::instance() {
     return s_instance;
 }
 
-bool frmproperties::isLoaded() { return s_instance != nullptr; }
+bool frmproperties::isLoaded() {
+    return s_instance != nullptr;
+}
 
 frmproperties::~frmproperties() {
     if (s_instance == this) s_instance = nullptr;
@@ -85,6 +89,13 @@ frmproperties::frmproperties() {
     connect(ok, &QPushButton::clicked, this, &frmproperties::cmdOK_Click);
     connect(cancel, &QPushButton::clicked, this, &frmproperties::cmdCancel_Click);
 
+    // One label column for both frames.
+    int labelWidth = 0;
+    for (QLabel* l : findChildren<QLabel*>())
+        labelWidth = std::max(labelWidth, l->sizeHint().width());
+    for (QLabel* l : findChildren<QLabel*>())
+        l->setMinimumWidth(labelWidth);
+
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(ok);
@@ -96,11 +107,21 @@ frmproperties::frmproperties() {
     adjustSize();
 }
 
-QString frmproperties::operatorName() const { return txtname_->text(); }
-QString frmproperties::familyName() const { return txtfamily_->text(); }
-QString frmproperties::organization() const { return txtorgan_->text(); }
-QString frmproperties::date() const { return txtdate_->text(); }
-QString frmproperties::location() const { return txtlocation_->text(); }
+QString frmproperties::operatorName() const {
+    return txtname_->text();
+}
+QString frmproperties::familyName() const {
+    return txtfamily_->text();
+}
+QString frmproperties::organization() const {
+    return txtorgan_->text();
+}
+QString frmproperties::date() const {
+    return txtdate_->text();
+}
+QString frmproperties::location() const {
+    return txtlocation_->text();
+}
 
 void frmproperties::cmdOK_Click() {
     const QString name = operatorName();
@@ -134,7 +155,9 @@ void frmproperties::cmdOK_Click() {
     hide();
 }
 
-void frmproperties::cmdCancel_Click() { close(); }
+void frmproperties::cmdCancel_Click() {
+    close();
+}
 
 void openPropertiesDialog() {
     frmproperties* dialog = frmproperties::instance();

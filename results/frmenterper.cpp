@@ -21,7 +21,9 @@ frmenterper* frmenterper::instance() {
     return s_instance;
 }
 
-bool frmenterper::isLoaded() { return s_instance != nullptr; }
+bool frmenterper::isLoaded() {
+    return s_instance != nullptr;
+}
 
 frmenterper::frmenterper() {
     setObjectName("frmenterper");
@@ -57,7 +59,9 @@ void frmenterper::setBackColour(const QColor& colour) {
     setPalette(pal);
 }
 
-QColor frmenterper::backColour() const { return palette().color(QPalette::Window); }
+QColor frmenterper::backColour() const {
+    return palette().color(QPalette::Window);
+}
 
 void frmenterper::setTextBold() {
     QFont f = text1_->font();

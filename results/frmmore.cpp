@@ -27,8 +27,8 @@ struct Field {
 };
 
 const Field kWater[] = {
-    {"txti", "lbli", "I     ="},         {"txtckw", "lblckw", "ckw   ="},
-    {"txtpckw", "lblpckw", "pckw ="},    {"txtkw", "lblkw", "kw    ="},
+    {"txti", "lbli", "I     ="},      {"txtckw", "lblckw", "ckw   ="},
+    {"txtpckw", "lblpckw", "pckw ="}, {"txtkw", "lblkw", "kw    ="},
     {"txtpkw", "lblpkw", "pkw  ="},
 };
 const Field kHydrogen[] = {
@@ -48,14 +48,14 @@ const Field kDebye[] = {
     {"txtlanmh", "lbllanmh", "LanM  ="},
 };
 const Field kCarbonate[] = {
-    {"txtct", "lblct", "ct      ="},       {"txth2co3", "lblh2co3", "H2co3*="},
-    {"txthco3", "lblhco3", "hco3-   ="},   {"txtco3", "lblco3", "co3=    ="},
-    {"txtck1", "lblck1", "ck1      ="},    {"txtck2", "lblck2", "ck2      ="},
-    {"txtcks", "lblcks", "cks      ="},    {"txtpca", "lblpca", "pca      ="},
-    {"txtpcks", "lblpcks", "pcks ="},      {"txtpck2", "lblpck2", "pck2 ="},
-    {"txta0", "lbla0", "a0     ="},        {"txta1", "lbla1", "a1     ="},
-    {"txta2", "lbla2", "a2        ="},     {"txtpk1", "lblpk1", "pk1   ="},
-    {"txtpk2", "lblpk2", "pk2   ="},       {"txtpks", "lblpks", "pks   ="},
+    {"txtct", "lblct", "ct      ="},     {"txth2co3", "lblh2co3", "H2co3*="},
+    {"txthco3", "lblhco3", "hco3-   ="}, {"txtco3", "lblco3", "co3=    ="},
+    {"txtck1", "lblck1", "ck1      ="},  {"txtck2", "lblck2", "ck2      ="},
+    {"txtcks", "lblcks", "cks      ="},  {"txtpca", "lblpca", "pca      ="},
+    {"txtpcks", "lblpcks", "pcks ="},    {"txtpck2", "lblpck2", "pck2 ="},
+    {"txta0", "lbla0", "a0     ="},      {"txta1", "lbla1", "a1     ="},
+    {"txta2", "lbla2", "a2        ="},   {"txtpk1", "lblpk1", "pk1   ="},
+    {"txtpk2", "lblpk2", "pk2   ="},     {"txtpks", "lblpks", "pks   ="},
 };
 
 // Adds label and box pairs to a frame's grid, `perColumn` pairs a column.
@@ -98,7 +98,9 @@ frmmore* frmmore::instance() {
     return s_instance;
 }
 
-bool frmmore::isLoaded() { return s_instance != nullptr; }
+bool frmmore::isLoaded() {
+    return s_instance != nullptr;
+}
 
 frmmore::~frmmore() {
     if (s_instance == this) s_instance = nullptr;
@@ -160,22 +162,25 @@ void frmmore::publishEquilibrium(const Engine& engine) {
     const AnalysisRecord& r = engine.rec;
     const SweepArrays& s = engine.sw;
     const std::pair<const char*, double> values[] = {
-        {"txta0", s.a0(0)},    {"txta1", s.a1(0)},    {"txta2", s.a2(0)},
-        {"txtco3", s.co3(0)},  {"txtoh", s.oh(0)},    {"txtch", s.ch(0)},
-        {"txtphs", s.phs(0)},  {"txtpk1", r.pk1},     {"txtpk2", r.pk2},
-        {"txtpkw", r.pkw},     {"txtkw", r.kw},       {"txtpks", r.pks},
-        {"txtck1", r.ck1},     {"txtck2", r.ck2},     {"txtckw", r.ckw},
-        {"txtcks", r.cks},     {"txtpca", r.pca},     {"txtpcks", r.pcks},
-        {"txtpck2", r.pck2},   {"txtpckw", r.pckw},   {"txth2co3", s.h2co3(0)},
-        {"txthco3", s.hco3(0)}, {"txtct", s.ct},      {"txti", r.ionic},
+        {"txta0", s.a0(0)},     {"txta1", s.a1(0)},  {"txta2", s.a2(0)},
+        {"txtco3", s.co3(0)},   {"txtoh", s.oh(0)},  {"txtch", s.ch(0)},
+        {"txtphs", s.phs(0)},   {"txtpk1", r.pk1},   {"txtpk2", r.pk2},
+        {"txtpkw", r.pkw},      {"txtkw", r.kw},     {"txtpks", r.pks},
+        {"txtck1", r.ck1},      {"txtck2", r.ck2},   {"txtckw", r.ckw},
+        {"txtcks", r.cks},      {"txtpca", r.pca},   {"txtpcks", r.pcks},
+        {"txtpck2", r.pck2},    {"txtpckw", r.pckw}, {"txth2co3", s.h2co3(0)},
+        {"txthco3", s.hco3(0)}, {"txtct", s.ct},     {"txti", r.ionic},
     };
-    for (const auto& [name, value] : values) setBox(name, fmt::scientific(value));
+    for (const auto& [name, value] : values)
+        setBox(name, fmt::scientific(value));
 }
 
 void frmmore::publishDebye(const AnalysisRecord& rec) {
     fradebye_->setEnabled(true);
-    for (const char* name : {"txtlanmh", "txtlandh", "txtlanth"}) box(name)->setEnabled(true);
-    for (const char* name : {"lbllanmh", "lbllandh", "lbllanth"}) label(name)->setEnabled(true);
+    for (const char* name : {"txtlanmh", "txtlandh", "txtlanth"})
+        box(name)->setEnabled(true);
+    for (const char* name : {"lbllanmh", "lbllandh", "lbllanth"})
+        label(name)->setEnabled(true);
     setBox("txtlanmh", fmt::rounded(rec.lanm, 5));
     setBox("txtlandh", fmt::rounded(rec.land, 5));
     setBox("txtlanth", fmt::rounded(rec.lant, 5));

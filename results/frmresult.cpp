@@ -16,6 +16,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+#include <exception>
+
 namespace velmora {
 
 using interp::Index;
@@ -47,14 +50,22 @@ const IndexDesign kDesign[] = {
 double valueAtMeasuredPh(const Engine& engine, Index index) {
     const SweepArrays& sw = engine.sw;
     switch (index) {
-    case Index::Langelier: return sw.li(0);
-    case Index::Ryznar: return sw.ri(0);
-    case Index::Puckorius: return sw.por(0);
-    case Index::Aggressiveness: return sw.ai(0);
-    case Index::DrivingForce: return sw.dfi(0);
-    case Index::LarsonSkold: return sw.lr(0);
-    case Index::MomentaryExcess: return sw.me(0);
-    case Index::SaturationLevel: return sw.sl(0);
+    case Index::Langelier:
+        return sw.li(0);
+    case Index::Ryznar:
+        return sw.ri(0);
+    case Index::Puckorius:
+        return sw.por(0);
+    case Index::Aggressiveness:
+        return sw.ai(0);
+    case Index::DrivingForce:
+        return sw.dfi(0);
+    case Index::LarsonSkold:
+        return sw.lr(0);
+    case Index::MomentaryExcess:
+        return sw.me(0);
+    case Index::SaturationLevel:
+        return sw.sl(0);
     }
     return 0;
 }
@@ -82,7 +93,9 @@ frmresult* frmresult::instance() {
     return s_instance;
 }
 
-bool frmresult::isLoaded() { return s_instance != nullptr; }
+bool frmresult::isLoaded() {
+    return s_instance != nullptr;
+}
 
 frmresult::~frmresult() {
     if (s_instance == this) s_instance = nullptr;
@@ -206,10 +219,9 @@ QColor frmresult::buttonColour(Index index) const {
 }
 
 void frmresult::colourButtons(const Engine& engine, const IndexFlags& chosen) {
-    static const Index order[] = {Index::Langelier,      Index::Ryznar,
-                                  Index::Puckorius,      Index::LarsonSkold,
-                                  Index::Aggressiveness, Index::DrivingForce,
-                                  Index::SaturationLevel, Index::MomentaryExcess};
+    static const Index order[] = {
+        Index::Langelier,      Index::Ryznar,       Index::Puckorius,       Index::LarsonSkold,
+        Index::Aggressiveness, Index::DrivingForce, Index::SaturationLevel, Index::MomentaryExcess};
     for (Index index : order) {
         const IndexControls& c = controls(index);
         if (index == Index::LarsonSkold && !chosen.bllr) {
@@ -262,17 +274,39 @@ void frmresult::interpret(Index index) {
     if (index == Index::Langelier) w->setTextBold();
 }
 
-void frmresult::cmdlan_Click() { interpret(Index::Langelier); }
-void frmresult::cmdri_Click() { interpret(Index::Ryznar); }
-void frmresult::cmdpor_Click() { interpret(Index::Puckorius); }
-void frmresult::cmdai_Click() { interpret(Index::Aggressiveness); }
-void frmresult::cmddfi_Click() { interpret(Index::DrivingForce); }
-void frmresult::cmdlr_Click() { interpret(Index::LarsonSkold); }
-void frmresult::cmdme_Click() { interpret(Index::MomentaryExcess); }
-void frmresult::cmdsl_Click() { interpret(Index::SaturationLevel); }
+void frmresult::cmdlan_Click() {
+    interpret(Index::Langelier);
+}
+void frmresult::cmdri_Click() {
+    interpret(Index::Ryznar);
+}
+void frmresult::cmdpor_Click() {
+    interpret(Index::Puckorius);
+}
+void frmresult::cmdai_Click() {
+    interpret(Index::Aggressiveness);
+}
+void frmresult::cmddfi_Click() {
+    interpret(Index::DrivingForce);
+}
+void frmresult::cmdlr_Click() {
+    interpret(Index::LarsonSkold);
+}
+void frmresult::cmdme_Click() {
+    interpret(Index::MomentaryExcess);
+}
+void frmresult::cmdsl_Click() {
+    interpret(Index::SaturationLevel);
+}
 
 void frmresult::cmdmore_Click() {
-    publishResultsWindows(theEngine(), theOptions());
+    try {
+        publishResultsWindows(theEngine(), theOptions());
+    } catch (const std::exception& e) {
+        platform().message(this, QStringLiteral("More results: %1").arg(e.what()),
+                           QStringLiteral("Velmora"), Platform::Icon::Critical);
+        return;
+    }
     frmmore* more = frmmore::instance();
     showInFront(more);
     placeOnSmallScreen(more, 1755, 2145);

@@ -14,7 +14,9 @@ frmsymbols* frmsymbols::instance() {
     return s_instance;
 }
 
-bool frmsymbols::isLoaded() { return s_instance != nullptr; }
+bool frmsymbols::isLoaded() {
+    return s_instance != nullptr;
+}
 
 frmsymbols::~frmsymbols() {
     if (s_instance == this) s_instance = nullptr;

@@ -19,14 +19,30 @@ constexpr Rgb kPaleGreen{192, 255, 192};
 
 // Range builders named after how the ranges read: lo < x <= hi is
 // openClosed(lo, hi), x < hi is below(hi), x >= lo is atLeast(lo), ...
-Range openClosed(double lo, double hi) { return {{lo, false}, {hi, true}}; }
-Range closedOpen(double lo, double hi) { return {{lo, true}, {hi, false}}; }
-Range open(double lo, double hi) { return {{lo, false}, {hi, false}}; }
-Range closed(double lo, double hi) { return {{lo, true}, {hi, true}}; }
-Range below(double hi) { return {{}, {hi, false}}; }
-Range atMost(double hi) { return {{}, {hi, true}}; }
-Range above(double lo) { return {{lo, false}, {}}; }
-Range atLeast(double lo) { return {{lo, true}, {}}; }
+Range openClosed(double lo, double hi) {
+    return {{lo, false}, {hi, true}};
+}
+Range closedOpen(double lo, double hi) {
+    return {{lo, true}, {hi, false}};
+}
+Range open(double lo, double hi) {
+    return {{lo, false}, {hi, false}};
+}
+Range closed(double lo, double hi) {
+    return {{lo, true}, {hi, true}};
+}
+Range below(double hi) {
+    return {{}, {hi, false}};
+}
+Range atMost(double hi) {
+    return {{}, {hi, true}};
+}
+Range above(double lo) {
+    return {{lo, false}, {}};
+}
+Range atLeast(double lo) {
+    return {{lo, true}, {}};
+}
 
 std::vector<Row> langelierRows() {
     return {
@@ -42,12 +58,10 @@ std::vector<Row> langelierRows() {
          {"Description :   Mild Corrosion", "General recomendation : Treatment May Be Needed"}},
         {openClosed(-3, -2),
          kOrange,
-         {"Description :   Moderate Corrosion",
-          "General recomendation : Treatment May Be Needed"}},
+         {"Description :   Moderate Corrosion", "General recomendation : Treatment May Be Needed"}},
         {openClosed(-4, -3),
          kRed,
-         {"Description :   Moderate Corrosion ",
-          "General recomendation :  Treatment Recommended"}},
+         {"Description :   Moderate Corrosion ", "General recomendation :  Treatment Recommended"}},
         {openClosed(-5, -4),
          kRed,
          {"Description :  Severe Corrosion", "General recomendation :   Treatment Recommended"}},
@@ -252,9 +266,8 @@ std::string numberText(double x) {
 
 const std::vector<Index>& allIndices() {
     static const std::vector<Index> all = {
-        Index::Langelier,       Index::Ryznar,         Index::Puckorius,
-        Index::DrivingForce,    Index::MomentaryExcess, Index::Aggressiveness,
-        Index::SaturationLevel, Index::LarsonSkold,
+        Index::Langelier,       Index::Ryznar,         Index::Puckorius,       Index::DrivingForce,
+        Index::MomentaryExcess, Index::Aggressiveness, Index::SaturationLevel, Index::LarsonSkold,
     };
     return all;
 }
@@ -285,7 +298,9 @@ std::string Row::text() const {
     return s;
 }
 
-const std::vector<Row>& table(Index index) { return info(index).rows; }
+const std::vector<Row>& table(Index index) {
+    return info(index).rows;
+}
 
 const Row* rowFor(Index index, double value) {
     const std::vector<Row>& rows = table(index);
@@ -300,8 +315,14 @@ const Row* rowFor(Index index, double value) {
     return found;
 }
 
-const char* buttonCaption(Index index) { return info(index).caption; }
-const char* windowCaption(Index index) { return info(index).window; }
-const char* buttonName(Index index) { return info(index).button; }
+const char* buttonCaption(Index index) {
+    return info(index).caption;
+}
+const char* windowCaption(Index index) {
+    return info(index).window;
+}
+const char* buttonName(Index index) {
+    return info(index).button;
+}
 
 } // namespace velmora::interp

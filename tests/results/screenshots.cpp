@@ -3,14 +3,18 @@
 // (25 °C, pH 7.5, alkalinity 200, Ca 80, Mg 24, TDS 400, Cl 50, SO4 60 mg/L,
 // Langelier ionic strength, Debye-Huckel activity).
 //
-//   results_screenshots OUTPUT_FOLDER
+//   results_screenshots OUTPUT_FOLDER [--all]
 //
+// --all adds the symbols window and the sample properties dialog.
 // Run it under a real display (xvfb-run) or offscreen.
 #include "intake/readdata.h"
+#include "mainwindow/frmproperties.h"
+#include "mainwindow/properties.h"
 #include "options/optionstate.h"
 #include "results/frmenterper.h"
 #include "results/frmmore.h"
 #include "results/frmresult.h"
+#include "results/frmsymbols.h"
 #include "results/results.h"
 
 #include <QApplication>
@@ -82,6 +86,15 @@ int main(int argc, char** argv) {
     results->findChild<QPushButton*>("cmdmore")->click();
     frmmore::instance()->move(20, 20);
     ok = save(frmmore::instance(), out.filePath("equilibrium.png")) && ok;
+
+    if (argc > 2 && QByteArray(argv[2]) == "--all") {
+        frmmore::instance()->findChild<QPushButton*>("cmddiscript")->click();
+        frmsymbols::instance()->move(20, 20);
+        ok = save(frmsymbols::instance(), out.filePath("symbols.png")) && ok;
+        openPropertiesDialog();
+        frmproperties::instance()->move(20, 20);
+        ok = save(frmproperties::instance(), out.filePath("properties.png")) && ok;
+    }
 
     QApplication::closeAllWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

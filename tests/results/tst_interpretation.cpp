@@ -25,20 +25,32 @@ const QColor kRed(255, 0, 0), kSalmon(255, 128, 128), kOrange(255, 128, 0),
     kLightOrange(255, 192, 128), kYellow(255, 255, 0), kPaleYellow(255, 255, 192),
     kGreen(0, 255, 0), kLightGreen(128, 255, 128), kPaleGreen(192, 255, 192);
 
-double below(double x) { return std::nextafter(x, -INFINITY); }
-double above(double x) { return std::nextafter(x, INFINITY); }
+double below(double x) {
+    return std::nextafter(x, -INFINITY);
+}
+double above(double x) {
+    return std::nextafter(x, INFINITY);
+}
 
 double& valueOf(Index index) {
     SweepArrays& sw = theEngine().sw;
     switch (index) {
-    case Index::Langelier: return sw.li(0);
-    case Index::Ryznar: return sw.ri(0);
-    case Index::Puckorius: return sw.por(0);
-    case Index::Aggressiveness: return sw.ai(0);
-    case Index::DrivingForce: return sw.dfi(0);
-    case Index::LarsonSkold: return sw.lr(0);
-    case Index::MomentaryExcess: return sw.me(0);
-    case Index::SaturationLevel: return sw.sl(0);
+    case Index::Langelier:
+        return sw.li(0);
+    case Index::Ryznar:
+        return sw.ri(0);
+    case Index::Puckorius:
+        return sw.por(0);
+    case Index::Aggressiveness:
+        return sw.ai(0);
+    case Index::DrivingForce:
+        return sw.dfi(0);
+    case Index::LarsonSkold:
+        return sw.lr(0);
+    case Index::MomentaryExcess:
+        return sw.me(0);
+    case Index::SaturationLevel:
+        return sw.sl(0);
     }
     return sw.li(0);
 }
@@ -81,7 +93,8 @@ private slots:
     void init() {
         OptionState& o = theOptions();
         o.index = IndexFlags{true, true, true, true, true, true, true, true};
-        for (Index i : interp::allIndices()) valueOf(i) = 0;
+        for (Index i : interp::allIndices())
+            valueOf(i) = 0;
     }
     void cleanup() {
         unloadWindow(frmenterper::isLoaded() ? frmenterper::instance() : nullptr);
@@ -198,8 +211,7 @@ void TestInterpretation::addBoundaryRows() {
     row("LR 0", S, 0, "Description :   Chlorides and sulfates do not influence the ", kRed);
     row("LR just below 0.8", S, below(0.8),
         "Description :   Chlorides and sulfates do not influence the ", kRed);
-    row("LR 0.8", S, 0.8, "Description :  Chlorides and Sulfates hinder formation of a ",
-        kSalmon);
+    row("LR 0.8", S, 0.8, "Description :  Chlorides and Sulfates hinder formation of a ", kSalmon);
     row("LR just below 1.2", S, below(1.2),
         "Description :  Chlorides and Sulfates hinder formation of a ", kSalmon);
     row("LR 1.2 (upper band)", S, 1.2,
@@ -308,15 +320,29 @@ void TestInterpretation::captions_data() {
     QTest::addColumn<QString>("button");
     QTest::addColumn<QString>("buttonCaption");
     QTest::addColumn<QString>("windowCaption");
-    QTest::newRow("lan") << "cmdlan" << "Langelier" << "Langelier index interpretation";
-    QTest::newRow("ri") << "cmdri" << "Ryznar" << "Ryznar index interpretation";
-    QTest::newRow("por") << "cmdpor" << "Puckorius" << "Puckorius index interpretation";
-    QTest::newRow("ai") << "cmdai" << "Aggressiveness" << "Aggressiveness index interpretation";
-    QTest::newRow("dfi") << "cmddfi" << "Driving Force" << "Driving Force index interpretation";
-    QTest::newRow("lr") << "cmdlr" << "Larson -Scold" << "Larson-Scold index interpretation";
-    QTest::newRow("me") << "cmdme" << "Momentary Excess"
+    QTest::newRow("lan") << "cmdlan"
+                         << "Langelier"
+                         << "Langelier index interpretation";
+    QTest::newRow("ri") << "cmdri"
+                        << "Ryznar"
+                        << "Ryznar index interpretation";
+    QTest::newRow("por") << "cmdpor"
+                         << "Puckorius"
+                         << "Puckorius index interpretation";
+    QTest::newRow("ai") << "cmdai"
+                        << "Aggressiveness"
+                        << "Aggressiveness index interpretation";
+    QTest::newRow("dfi") << "cmddfi"
+                         << "Driving Force"
+                         << "Driving Force index interpretation";
+    QTest::newRow("lr") << "cmdlr"
+                        << "Larson -Scold"
+                        << "Larson-Scold index interpretation";
+    QTest::newRow("me") << "cmdme"
+                        << "Momentary Excess"
                         << "Momentary Excess index interpretation";
-    QTest::newRow("sl") << "cmdsl" << "Saturation Level"
+    QTest::newRow("sl") << "cmdsl"
+                        << "Saturation Level"
                         << "Carbonate saturation Level interpretation";
 }
 
@@ -343,7 +369,9 @@ void TestInterpretation::rangesOfEveryTableLeaveNoOtherGap() {
                 if (r.range.contains(v)) ++matches;
             const bool gap = index == Index::LarsonSkold && v == 1.2;
             const bool overlap = index == Index::Langelier && v == 0;
-            QVERIFY2(matches == (gap ? 0 : overlap ? 2 : 1),
+            QVERIFY2(matches == (gap       ? 0
+                                 : overlap ? 2
+                                           : 1),
                      qPrintable(QStringLiteral("%1 at %2: %3 rows")
                                     .arg(interp::buttonCaption(index))
                                     .arg(v)
@@ -446,8 +474,7 @@ void TestInterpretation::colourShowsAroundTheText() {
     QCOMPARE(img.pixelColor(5, w->height() - 3), kGreen);
     // Blue text on the tooltip colour inside the box.
     QCOMPARE(t->palette().color(QPalette::Text), QColor(0, 0, 255));
-    QCOMPARE(t->palette().color(QPalette::Base),
-             QToolTip::palette().color(QPalette::ToolTipBase));
+    QCOMPARE(t->palette().color(QPalette::Base), QToolTip::palette().color(QPalette::ToolTipBase));
 }
 
 void TestInterpretation::noColourForValuesOutsideEveryRow() {

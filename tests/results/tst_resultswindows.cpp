@@ -43,7 +43,9 @@ template <class T> T* in(QWidget* window, const QString& name) {
 QLineEdit* resultBox(const QString& name) {
     return in<QLineEdit>(frmresult::instance(), name);
 }
-QLineEdit* moreBox(const QString& name) { return in<QLineEdit>(frmmore::instance(), name); }
+QLineEdit* moreBox(const QString& name) {
+    return in<QLineEdit>(frmmore::instance(), name);
+}
 
 void setActivityEquation(const char* which) {
     EquationFlags& e = theOptions().equations;
@@ -55,8 +57,12 @@ void setActivityEquation(const char* which) {
     if (w == "gun") e.blgun = true;
 }
 
-void publish() { publishResultsWindows(theEngine(), theOptions()); }
-void show() { showResultsWindow(theEngine(), theOptions()); }
+void publish() {
+    publishResultsWindows(theEngine(), theOptions());
+}
+void show() {
+    showResultsWindow(theEngine(), theOptions());
+}
 
 const char* const kDaviesBoxes[] = {"txta", "txtlantd", "txtlandd", "txtlanmd"};
 const char* const kDaviesLabels[] = {"lbla", "lbllantd", "lbllandd", "lbllanmd"};
@@ -115,8 +121,8 @@ void TestResultsWindows::designStateOfResults() {
     QCOMPARE(in<QGroupBox>(w, "frainter")->title(), "Indices Interpretation  :");
     QVERIFY(!in<QGroupBox>(w, "fraindex")->isEnabled());
     QVERIFY(!in<QGroupBox>(w, "frainter")->isEnabled());
-    for (const char* name : {"txtlan", "txtryz", "txtpor", "txtdfi", "txtme", "txtai", "txtsl",
-                             "txtlr"}) {
+    for (const char* name :
+         {"txtlan", "txtryz", "txtpor", "txtdfi", "txtme", "txtai", "txtsl", "txtlr"}) {
         QVERIFY(!resultBox(name)->isEnabledTo(w->findChild<QGroupBox*>("fraindex")));
         QVERIFY(resultBox(name)->text().isEmpty());
     }
@@ -129,10 +135,10 @@ void TestResultsWindows::designStateOfResults() {
     QCOMPARE(in<QPushButton>(w, "cmdmore")->text(), "&More results");
 
     const std::pair<const char*, const char*> labels[] = {
-        {"lbllan", "Langelier        ="},       {"lblryz", "Ryznar           ="},
-        {"lblpor", "puckorius      ="},         {"lbldfi", "Driving Force         ="},
-        {"lblme", "Momentary Excess="},         {"lblai", "Aggressiveness     ="},
-        {"lblsl", "Saturation Level    ="},     {"lbllr", "Larson-Scold ="},
+        {"lbllan", "Langelier        ="},   {"lblryz", "Ryznar           ="},
+        {"lblpor", "puckorius      ="},     {"lbldfi", "Driving Force         ="},
+        {"lblme", "Momentary Excess="},     {"lblai", "Aggressiveness     ="},
+        {"lblsl", "Saturation Level    ="}, {"lbllr", "Larson-Scold ="},
     };
     for (const auto& [name, caption] : labels) {
         QLabel* l = in<QLabel>(w, name);
@@ -210,7 +216,8 @@ void TestResultsWindows::equilibriumValues() {
         {"txtct", [&](double v) { s.ct = v; }, 0.0043, "4.300E-3"},
         {"txti", [&](double v) { r.ionic = v; }, 0.0102, "1.020E-2"},
     };
-    for (const Case& c : cases) c.set(c.value);
+    for (const Case& c : cases)
+        c.set(c.value);
     publish();
     for (const Case& c : cases) {
         QLineEdit* b = moreBox(c.box);
@@ -515,7 +522,8 @@ void TestResultsWindows::symbolsWindow() {
     frmsymbols* w = frmsymbols::instance();
     QCOMPARE(w->windowTitle(), "Symbols definition");
     QStringList shown;
-    for (QLabel* l : w->findChildren<QLabel*>()) shown << l->text();
+    for (QLabel* l : w->findChildren<QLabel*>())
+        shown << l->text();
     QCOMPARE(shown.size(), 29);
     for (const char* text :
          {"lant    =Activity coeficient for trivalant ions", "phs  =pH at saturation",
@@ -541,9 +549,9 @@ void TestResultsWindows::windowsFitTheSmallScreen() {
     in<QPushButton>(frmresult::instance(), "cmdmore")->click();
     in<QPushButton>(frmmore::instance(), "cmddiscript")->click();
     const QRect screen(0, 0, 800, 600);
-    for (QWidget* w : {static_cast<QWidget*>(frmresult::instance()),
-                       static_cast<QWidget*>(frmmore::instance()),
-                       static_cast<QWidget*>(frmsymbols::instance())})
+    for (QWidget* w :
+         {static_cast<QWidget*>(frmresult::instance()), static_cast<QWidget*>(frmmore::instance()),
+          static_cast<QWidget*>(frmsymbols::instance())})
         QVERIFY2(screen.contains(w->frameGeometry()),
                  qPrintable(QStringLiteral("%1 %2x%3")
                                 .arg(w->objectName())

@@ -18,6 +18,7 @@ void prepareGuiTestEnvironment();
     int main(int argc, char** argv) {                                                              \
         velmora::test::prepareGuiTestEnvironment();                                                \
         QApplication app(argc, argv);                                                              \
+        app.setQuitOnLastWindowClosed(false);                                                      \
         TestObject tc;                                                                             \
         QTEST_SET_MAIN_SOURCE_PATH                                                                 \
         return QTest::qExec(&tc, argc, argv);                                                      \

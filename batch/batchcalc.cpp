@@ -1,0 +1,769 @@
+#include "batch/batchcalc.h"
+
+#include "engine/numformat.h"
+#include "options/sweepsettings.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <iterator>
+#include <new>
+#include <unistd.h>
+
+namespace velmora::batch {
+
+namespace {
+
+// The analysis columns in the order their cells are checked, with the box
+// each one stands for; then the sample identifier.
+struct Column {
+    const char* name;
+    std::string AnalysisTexts::*box;
+};
+constexpr Column kColumns[] = {
+    {"tds", &AnalysisTexts::tds},   {"ec", &AnalysisTexts::ec},   {"t", &AnalysisTexts::t},
+    {"ph", &AnalysisTexts::ph},     {"alk", &AnalysisTexts::alk}, {"ca", &AnalysisTexts::ca},
+    {"mg", &AnalysisTexts::mg},     {"k", &AnalysisTexts::k},     {"na", &AnalysisTexts::na},
+    {"zn", &AnalysisTexts::zn},     {"mn", &AnalysisTexts::mn},   {"fe", &AnalysisTexts::fe},
+    {"al", &AnalysisTexts::al},     {"hco3", &AnalysisTexts::hco3}, {"co3", &AnalysisTexts::co3},
+    {"no2", &AnalysisTexts::no2},   {"no3", &AnalysisTexts::no3}, {"f", &AnalysisTexts::f},
+    {"cl", &AnalysisTexts::cl},     {"so4", &AnalysisTexts::so4},
+};
+constexpr std::size_t kAnalysisColumns = std::size(kColumns);
+constexpr std::size_t kSampleColumn = kAnalysisColumns; // index of "sample" in Calculator::column_
+constexpr std::size_t kPhColumn = 3;
+
+// Every per-point array of the engine, so that a sample can start from the
+// state of a freshly started program without clearing all 141 elements.
+constexpr PointArray SweepArrays::*kArrays[] = {
+    &SweepArrays::ph,    &SweepArrays::ch,     &SweepArrays::oh,     &SweepArrays::a0,
+    &SweepArrays::a1,    &SweepArrays::a2,     &SweepArrays::ctnum,  &SweepArrays::ctden,
+    &SweepArrays::h2co3, &SweepArrays::hco3,   &SweepArrays::co3,    &SweepArrays::alk,
+    &SweepArrays::alkmg, &SweepArrays::alkeq,  &SweepArrays::alkt,   &SweepArrays::palk,
+    &SweepArrays::phs,   &SweepArrays::pheq,   &SweepArrays::li,     &SweepArrays::ri,
+    &SweepArrays::por,   &SweepArrays::ai,     &SweepArrays::dfi,    &SweepArrays::lr,
+    &SweepArrays::me,    &SweepArrays::sl,     &SweepArrays::co3dfi, &SweepArrays::qb,
+    &SweepArrays::qc,    &SweepArrays::hco3meq,
+};
+// ct, qa, clmeq, so4meq, phstart, phincrement, phsteps and ipoint
+static_assert(sizeof(SweepArrays) == std::size(kArrays) * sizeof(PointArray) + 8 * sizeof(double),
+              "SweepArrays changed: update kArrays and Calculator::freshProgram");
+
+std::string lower(std::string_view s) {
+    std::string r(s);
+    for (char& c : r)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return r;
+}
+
+std::string_view trim(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t'))
+        s.remove_prefix(1);
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t'))
+        s.remove_suffix(1);
+    return s;
+}
+
+void appendField(std::string& out, std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+        out += text;
+        return;
+    }
+    out += '"';
+    for (char c : text) {
+        if (c == '"') out += '"';
+        out += c;
+    }
+    out += '"';
+}
+
+void appendNumber(std::string& out, double x) {
+    char buf[64];
+    out.append(buf, fmt::shortestTo(buf, buf + sizeof buf, x));
+}
+
+std::string runtimeText(const EngineError& e) { return std::string("run-time error: ") + e.what(); }
+
+// Checks the sweep texts as the Options dialog's boxes and Apply do; the
+// sweep list and start as Apply leaves them.
+void applySweepOptions(const Options& o, OptionState& state, double& phstart) {
+    const std::string where = "--sweep: ";
+    if (auto m = checkInitialPh(o.sweepStart)) throw UsageError(where + *m);
+    if (auto m = checkIncrementPh(o.sweepIncrement)) throw UsageError(where + *m);
+    if (auto m = checkSteps(o.sweepSteps)) throw UsageError(where + *m);
+    SweepApplyResult r;
+    try {
+        r = applySweep(o.sweepStart, o.sweepIncrement, o.sweepSteps, state.sweep, phstart);
+    } catch (const EngineError& e) {
+        throw UsageError(where + "You must enter a positive number! (" + e.what() + ")");
+    }
+    if (r.outcome != SweepApplyResult::Outcome::Applied) throw UsageError(where + r.message);
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// Command line
+
+const char* helpText() {
+    return R"(Usage: velmora-calc [options] [FILE]
+
+Computes the corrosion and scaling indices of many water samples. Reads CSV
+from FILE (or standard input when FILE is absent or "-") and writes CSV to
+standard output.
+
+Options (--opt value and --opt=value both work):
+  -o, --output FILE   write to FILE instead of standard output; the output
+                      goes to a temporary file that is renamed at the end, so
+                      a failed run leaves an existing FILE untouched
+  --ionic EQUATION    ionic strength equation: langelier (default), russell
+                      or lewis (Lewis and Randall, with the ion balance)
+  --activity EQUATION activity coefficient equation: none (default: the
+                      Debye-Huckel limiting law), limiting, extended,
+                      guntelberg or davies
+  --larson-skold      the Larson-Skold index is chosen: chloride and sulphate
+                      are read with every ionic strength equation
+  --sweep START,INCREMENT,STEPS
+                      a pH sweep after the measured point: START 1 to 14,
+                      INCREMENT 0.1 to 2 (or 0 or less), STEPS 1 to 140, and
+                      no sweep point above pH 14
+  -h, --help          show this text
+
+Input: a header row, then one sample per row. Columns (any order, names
+trimmed and case-insensitive): tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe,
+al, hco3, co3, no2, no3, f, cl, so4 (mg/L; alkalinity as CaCO3; t in degrees
+Celsius; ec in mS/m) and an optional sample identifier, copied to the output.
+A missing column is an empty box. Cells are read as typed into the program's
+boxes. RFC 4180 quoting; CRLF or LF line ends; a UTF-8 byte-order mark is
+ignored; blank lines are skipped.
+
+Each row is computed as if typed into a freshly started program with these
+options applied: every cell is checked as its box checks it, then Read Data,
+then Calculate.
+
+Output columns:
+  sample,point,ph,li,ri,por,ai,dfi,lr,me,sl,phs,ch,oh,a0,a1,a2,h2co3,hco3,co3,
+  ionic,lanm,land,lant,ct,sumca,suman,diff,message
+One row per computed point: point 0 is the measured point, 1 to STEPS the
+sweep points. sumca, suman and diff are filled with the Lewis and Randall
+equation. A message the program would show (a rejected cell, a missing value,
+"water analysis is unacceptable", a run-time error) is a row of its own with
+the text in message; for a run-time error, point says where it happened (0:
+the measured point, k: sweep point k; empty: while reading the analysis).
+
+Exit status: 0 when no message row was written, 1 when one was, 2 for a
+usage or file error.
+)";
+}
+
+Options parseCommandLine(const std::vector<std::string>& args) {
+    Options o;
+    bool haveFile = false;
+    bool onlyFiles = false;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        auto positional = [&](const std::string& file) {
+            if (haveFile) throw UsageError("more than one input file: \"" + file + "\"");
+            haveFile = true;
+            o.input = file;
+        };
+        if (onlyFiles || arg == "-" || arg.empty() || arg[0] != '-') {
+            positional(arg);
+            continue;
+        }
+        if (arg == "--") {
+            onlyFiles = true;
+            continue;
+        }
+        std::string name, value;
+        bool hasValue = false;
+        if (arg.rfind("--", 0) == 0) {
+            const auto eq = arg.find('=');
+            name = arg.substr(2, eq == std::string::npos ? std::string::npos : eq - 2);
+            if (eq != std::string::npos) {
+                value = arg.substr(eq + 1);
+                hasValue = true;
+            }
+        } else if (arg == "-h") {
+            name = "help";
+        } else if (arg.rfind("-o", 0) == 0) {
+            name = "output";
+            if (arg.size() > 2) {
+                value = arg.substr(arg[2] == '=' ? 3 : 2);
+                hasValue = true;
+            }
+        } else {
+            throw UsageError("unknown option \"" + arg + "\"");
+        }
+
+        auto needValue = [&]() -> const std::string& {
+            if (!hasValue) {
+                if (i + 1 >= args.size()) throw UsageError("option \"" + arg + "\" needs a value");
+                value = args[++i];
+                hasValue = true;
+            }
+            return value;
+        };
+        auto noValue = [&]() {
+            if (hasValue) throw UsageError("option \"--" + name + "\" takes no value");
+        };
+
+        if (name == "help") {
+            noValue();
+            o.help = true;
+        } else if (name == "output") {
+            o.output = needValue();
+            if (o.output.empty()) throw UsageError("option \"" + arg + "\" needs a file name");
+        } else if (name == "ionic") {
+            const std::string v = lower(needValue());
+            if (v == "langelier") o.ionic = Options::Ionic::Langelier;
+            else if (v == "russell") o.ionic = Options::Ionic::Russell;
+            else if (v == "lewis") o.ionic = Options::Ionic::Lewis;
+            else throw UsageError("--ionic: unknown equation \"" + value +
+                                  "\" (langelier, russell or lewis)");
+        } else if (name == "activity") {
+            const std::string v = lower(needValue());
+            if (v == "none") o.activity = Options::Activity::None;
+            else if (v == "limiting") o.activity = Options::Activity::Limiting;
+            else if (v == "extended") o.activity = Options::Activity::Extended;
+            else if (v == "guntelberg") o.activity = Options::Activity::Guntelberg;
+            else if (v == "davies") o.activity = Options::Activity::Davies;
+            else throw UsageError("--activity: unknown equation \"" + value +
+                                  "\" (none, limiting, extended, guntelberg or davies)");
+        } else if (name == "larson-skold") {
+            noValue();
+            o.larsonSkold = true;
+        } else if (name == "sweep") {
+            const std::string& v = needValue();
+            const auto c1 = v.find(',');
+            const auto c2 = c1 == std::string::npos ? c1 : v.find(',', c1 + 1);
+            if (c2 == std::string::npos || v.find(',', c2 + 1) != std::string::npos)
+                throw UsageError("--sweep needs START,INCREMENT,STEPS, got \"" + v + "\"");
+            o.sweep = true;
+            o.sweepStart = v.substr(0, c1);
+            o.sweepIncrement = v.substr(c1 + 1, c2 - c1 - 1);
+            o.sweepSteps = v.substr(c2 + 1);
+        } else {
+            throw UsageError("unknown option \"" + arg + "\"");
+        }
+    }
+    if (o.sweep) {
+        OptionState state;
+        double phstart = 0;
+        applySweepOptions(o, state, phstart);
+    }
+    return o;
+}
+
+EquationFlags equationFlags(const Options& o) {
+    EquationFlags f;
+    switch (o.ionic) {
+    case Options::Ionic::Langelier:
+        f.bllang = true;
+        break;
+    case Options::Ionic::Russell:
+        f.blrus = true;
+        break;
+    case Options::Ionic::Lewis:
+        f.bllewis = true;
+        break;
+    }
+    switch (o.activity) {
+    case Options::Activity::None:
+        break;
+    case Options::Activity::Limiting:
+        f.bldebye = true;
+        break;
+    case Options::Activity::Extended:
+        f.bledebye = true;
+        break;
+    case Options::Activity::Guntelberg:
+        f.blgun = true;
+        break;
+    case Options::Activity::Davies:
+        f.bldavies = true;
+        break;
+    }
+    return f;
+}
+
+// ---------------------------------------------------------------------------
+// Byte streams
+
+std::size_t FdSource::read(char* buf, std::size_t n) {
+    for (;;) {
+        const ssize_t r = ::read(fd_, buf, n);
+        if (r >= 0) return static_cast<std::size_t>(r);
+        if (errno == EINTR) continue;
+        throw UsageError("cannot read " + name_ + ": " + std::strerror(errno));
+    }
+}
+
+void FdSink::write(const char* data, std::size_t n) {
+    while (n > 0) {
+        const ssize_t r = ::write(fd_, data, n);
+        if (r < 0) {
+            if (errno == EINTR) continue;
+            throw UsageError("cannot write " + name_ + ": " + std::strerror(errno));
+        }
+        data += r;
+        n -= static_cast<std::size_t>(r);
+    }
+}
+
+std::size_t StringSource::read(char* buf, std::size_t n) {
+    const std::size_t k = std::min({n, piece_, text_.size() - pos_});
+    std::memcpy(buf, text_.data() + pos_, k);
+    pos_ += k;
+    return k;
+}
+
+// ---------------------------------------------------------------------------
+// CSV reading
+
+bool CsvReader::fill() {
+    if (eof_) return false;
+    pos_ = 0;
+    end_ = source_.read(buf_.data(), buf_.size());
+    if (end_ == 0) eof_ = true;
+    return end_ > 0;
+}
+
+void CsvReader::endField() { ends_.push_back(text_.size()); }
+
+bool CsvReader::next() {
+    text_.clear();
+    ends_.clear();
+    tooLong_ = false;
+    unterminated_ = false;
+
+    if (!started_) {
+        started_ = true;
+        // enough bytes to recognise a byte-order mark, however the source splits them
+        while (end_ < 3 && !eof_) {
+            const std::size_t n = source_.read(buf_.data() + end_, buf_.size() - end_);
+            if (n == 0) eof_ = true;
+            end_ += n;
+        }
+        if (end_ >= 3 && std::memcmp(buf_.data(), "\xEF\xBB\xBF", 3) == 0) pos_ = 3;
+    }
+
+    // blank lines
+    for (;;) {
+        if (pos_ == end_ && !fill()) return false;
+        const char c = buf_[pos_];
+        if (skipLf_) {
+            skipLf_ = false;
+            if (c == '\n') {
+                ++pos_;
+                continue;
+            }
+        }
+        if (c == '\n' || c == '\r') {
+            ++pos_;
+            ++nextLine_;
+            skipLf_ = c == '\r';
+            continue;
+        }
+        break;
+    }
+    line_ = nextLine_;
+
+    auto append = [this](const char* p, std::size_t n) {
+        if (text_.size() + n > kMaxRecord) {
+            tooLong_ = true;
+            n = kMaxRecord - std::min(kMaxRecord, text_.size());
+        }
+        text_.append(p, n);
+    };
+
+    enum class State { FieldStart, Unquoted, Quoted, QuoteInQuoted } state = State::FieldStart;
+    for (;;) {
+        if (pos_ == end_ && !fill()) {
+            if (state == State::Quoted) unterminated_ = true;
+            endField();
+            return true;
+        }
+        if (state == State::Unquoted || state == State::FieldStart) {
+            if (state == State::FieldStart && buf_[pos_] == '"') {
+                ++pos_;
+                state = State::Quoted;
+                continue;
+            }
+            // a run of ordinary characters at once
+            const char* p = buf_.data() + pos_;
+            const char* e = buf_.data() + end_;
+            const char* q = p;
+            while (q != e && *q != ',' && *q != '\n' && *q != '\r')
+                ++q;
+            append(p, static_cast<std::size_t>(q - p));
+            pos_ = static_cast<std::size_t>(q - buf_.data());
+            state = State::Unquoted;
+            if (q == e) continue;
+            ++pos_;
+            endField();
+            if (*q == ',') {
+                state = State::FieldStart;
+                continue;
+            }
+            ++nextLine_;
+            skipLf_ = *q == '\r';
+            return true;
+        }
+        const char c = buf_[pos_++];
+        if (state == State::Quoted) {
+            if (c == '"') {
+                state = State::QuoteInQuoted;
+            } else {
+                if (c == '\n') ++nextLine_;
+                append(&c, 1);
+            }
+        } else { // after a quote inside a quoted field
+            if (c == '"') {
+                append(&c, 1);
+                state = State::Quoted;
+            } else {
+                --pos_; // the field goes on unquoted up to its end
+                state = State::Unquoted;
+            }
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Samples
+
+Calculator::Calculator(const Options& options) : options_(options) {
+    applied_.index.bllr = options.larsonSkold;
+    applied_.equations = equationFlags(options);
+    if (options.sweep) {
+        double phstart = 0;
+        applySweepOptions(options, applied_, phstart);
+        const double n = fmt::roundHalfEven(*fmt::strictNumber(options.sweepSteps), 0);
+        touched_ = static_cast<int>(std::clamp(n, 1.0, 140.0));
+    }
+    column_.assign(kAnalysisColumns + 1, -1);
+    engine_.setObserver(&collector_);
+}
+
+void Calculator::setHeader(const CsvReader& header) {
+    if (header.tooLong()) throw UsageError("the header row is too long");
+    column_.assign(kAnalysisColumns + 1, -1);
+    fieldCount_ = header.fieldCount();
+    for (std::size_t i = 0; i < fieldCount_; ++i) {
+        const std::string_view raw = trim(header.field(i));
+        const std::string name = lower(raw);
+        std::size_t c = 0;
+        while (c < kAnalysisColumns && name != kColumns[c].name)
+            ++c;
+        if (c == kAnalysisColumns && name != "sample")
+            throw UsageError("unknown column \"" + std::string(raw) + "\" in the header");
+        if (column_[c] >= 0)
+            throw UsageError("column \"" + std::string(raw) + "\" appears twice in the header");
+        column_[c] = static_cast<int>(i);
+    }
+}
+
+void Calculator::freshProgram() {
+    AnalysisRecord& r = engine_.rec;
+    r = AnalysisRecord{};
+    SweepArrays& sw = engine_.sw;
+    // a row writes elements 0 to touched_ at most and reads touched_ + 1
+    const int last = std::min(touched_ + 1, PointArray::kSize - 1);
+    for (auto a : kArrays)
+        for (int i = 0; i <= last; ++i)
+            (sw.*a)(i) = 0;
+    sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
+    sw.phstart = options_.sweep ? applied_.sweep.entry[0] : 0;
+    sw.phincrement = sw.phsteps = 0;
+    sw.ipoint = 0;
+    flags_ = applied_.equations;
+    collector_.messages.clear();
+}
+
+void Calculator::pointRow(std::string_view sample, int point, std::string& out) const {
+    const SweepArrays& s = engine_.sw;
+    const AnalysisRecord& r = engine_.rec;
+    appendField(out, sample);
+    out += ',';
+    char buf[16];
+    out.append(buf, std::to_chars(buf, buf + sizeof buf, point).ptr);
+    const double values[] = {s.ph(point),    s.li(point),  s.ri(point),  s.por(point),
+                             s.ai(point),    s.dfi(point), s.lr(point),  s.me(point),
+                             s.sl(point),    s.phs(point), s.ch(point),  s.oh(point),
+                             s.a0(point),    s.a1(point),  s.a2(point),  s.h2co3(point),
+                             s.hco3(point),  s.co3(point), r.ionic,      r.lanm,
+                             r.land,         r.lant,       s.ct};
+    for (double v : values) {
+        out += ',';
+        appendNumber(out, v);
+    }
+    if (flags_.bllewis) {
+        for (double v : {r.sumca, r.suman, r.diff}) {
+            out += ',';
+            appendNumber(out, v);
+        }
+        out += ",\n";
+    } else {
+        out += ",,,,\n";
+    }
+}
+
+void Calculator::messageRow(std::string_view sample, const std::string& point,
+                            std::string_view text, bool balance, std::string& out) const {
+    appendField(out, sample);
+    out += ',';
+    out += point;
+    out.append(23, ',');
+    if (balance) {
+        const AnalysisRecord& r = engine_.rec;
+        for (double v : {r.sumca, r.suman, r.diff}) {
+            out += ',';
+            appendNumber(out, v);
+        }
+    } else {
+        out += ",,,";
+    }
+    out += ',';
+    appendField(out, text);
+    out += '\n';
+}
+
+bool Calculator::processRecord(const CsvReader& record, std::string& out) {
+    const int sampleField = column_[kSampleColumn];
+    const std::string_view sample =
+        sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.fieldCount()
+            ? record.field(static_cast<std::size_t>(sampleField))
+            : std::string_view();
+    const std::string line = "line " + std::to_string(record.line());
+
+    if (record.tooLong()) {
+        messageRow(sample, "",
+                   line + ": the row is longer than " + std::to_string(CsvReader::kMaxRecord) +
+                       " characters",
+                   false, out);
+        return true;
+    }
+    if (record.unterminated()) {
+        messageRow(sample, "", line + ": a quoted field is not closed", false, out);
+        return true;
+    }
+    if (record.fieldCount() != fieldCount_) {
+        messageRow(sample, "",
+                   line + ": " + std::to_string(record.fieldCount()) + " fields where the header has " +
+                       std::to_string(fieldCount_),
+                   false, out);
+        return true;
+    }
+
+    // the boxes, each as typed, each checked as its box checks it
+    for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
+        std::string& box = texts_.*kColumns[c].box;
+        if (column_[c] >= 0) {
+            box.assign(record.field(static_cast<std::size_t>(column_[c])));
+        } else {
+            box.clear();
+        }
+    }
+    for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
+        if (auto m = checkBoxText(texts_.*kColumns[c].box, c == kPhColumn)) {
+            messageRow(sample, "", std::string(kColumns[c].name) + ": " + *m, false, out);
+            return true;
+        }
+    }
+
+    freshProgram();
+    try {
+        const ReadDataResult r = readAnalysis(engine_, texts_, flags_, applied_.index.bllr);
+        if (r.outcome == ReadDataResult::Outcome::Message) {
+            messageRow(sample, "", r.messageText, false, out);
+            return true;
+        }
+        if (r.outcome == ReadDataResult::Outcome::Rejected) {
+            messageRow(sample, "", "water analysis is unacceptable", flags_.bllewis, out);
+            return true;
+        }
+    } catch (const EngineError& e) {
+        messageRow(sample, "", runtimeText(e), false, out);
+        return true;
+    }
+
+    WindowInputs in = windowInputs(texts_);
+    in.sweepChecked = options_.sweep;
+    if (options_.sweep) {
+        in.initialText = options_.sweepStart;
+        in.incrementText = options_.sweepIncrement;
+        in.stepText = options_.sweepSteps;
+    }
+    CalcOutcome outcome;
+    try {
+        outcome = engine_.calculate(flags_, in);
+    } catch (const EngineError& e) {
+        messageRow(sample, "0", runtimeText(e), false, out);
+        return true;
+    }
+
+    bool message = false;
+    if (outcome.computed) {
+        pointRow(sample, 0, out);
+        const int last = outcome.sweepError
+                             ? outcome.sweepErrorPoint - 1
+                             : std::min(outcome.sweepPoints, PointArray::kSize - 1);
+        for (int p = 1; p <= last; ++p)
+            pointRow(sample, p, out);
+        if (outcome.sweepError) {
+            messageRow(sample, std::to_string(outcome.sweepErrorPoint),
+                       runtimeText(*outcome.sweepError), false, out);
+            message = true;
+        }
+    }
+    for (const std::string& m : collector_.messages) {
+        messageRow(sample, "", m, false, out);
+        message = true;
+    }
+    return message;
+}
+
+// ---------------------------------------------------------------------------
+// Runs
+
+int runBatch(const Options& options, ByteSource& in, ByteSink& sink) {
+    Calculator calc(options);
+    CsvReader reader(in);
+    if (!reader.next()) throw UsageError("the input has no header row");
+    calc.setHeader(reader);
+
+    constexpr std::size_t kFlushAt = 1 << 16;
+    std::string out;
+    out.reserve(kFlushAt + 4096);
+    out += kOutputHeader;
+    out += '\n';
+    int status = 0;
+    while (reader.next()) {
+        if (calc.processRecord(reader, out)) status = 1;
+        if (out.size() >= kFlushAt) {
+            sink.write(out.data(), out.size());
+            out.clear();
+        }
+    }
+    sink.write(out.data(), out.size());
+    return status;
+}
+
+namespace {
+
+void writeAll(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t r = ::write(fd, text.data(), text.size());
+        if (r < 0) {
+            if (errno == EINTR) continue;
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(r));
+    }
+}
+
+// A file descriptor closed when it goes out of scope.
+struct Fd {
+    int fd = -1;
+    ~Fd() {
+        if (fd > 2) ::close(fd);
+    }
+};
+
+} // namespace
+
+int commandMain(const std::vector<std::string>& args) {
+    std::string tempName;
+    Fd input, output;
+    try {
+        Options o;
+        try {
+            o = parseCommandLine(args);
+        } catch (const UsageError& e) {
+            throw UsageError(std::string(e.what()) +
+                             "\nTry 'velmora-calc --help' for more information.");
+        }
+        if (o.help) {
+            writeAll(1, helpText());
+            return 0;
+        }
+
+        std::string inputName = "standard input";
+        input.fd = 0;
+        if (!o.input.empty() && o.input != "-") {
+            inputName = o.input;
+            input.fd = ::open(o.input.c_str(), O_RDONLY | O_CLOEXEC);
+            if (input.fd < 0)
+                throw UsageError("cannot open " + o.input + ": " + std::strerror(errno));
+        }
+
+        std::string outputName = "standard output";
+        output.fd = 1;
+        bool toFile = !o.output.empty() && o.output != "-";
+        std::string target = o.output;
+        if (toFile) {
+            outputName = o.output;
+            struct stat st;
+            if (::stat(o.output.c_str(), &st) == 0) {
+                if (S_ISDIR(st.st_mode))
+                    throw UsageError("cannot write " + o.output + ": it is a directory");
+                if (!S_ISREG(st.st_mode)) {
+                    // a device or a pipe is written as it is: nothing to replace
+                    toFile = false;
+                    output.fd = ::open(o.output.c_str(), O_WRONLY | O_CLOEXEC);
+                    if (output.fd < 0)
+                        throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
+                } else if (char* real = ::realpath(o.output.c_str(), nullptr)) {
+                    // through a symbolic link the file it points to is replaced
+                    target = real;
+                    std::free(real);
+                }
+            }
+        }
+        if (toFile) {
+            output.fd = -1;
+            // next to the target, so that the rename stays on one file system
+            for (int attempt = 0;; ++attempt) {
+                tempName = target + ".tmp" + std::to_string(::getpid()) + "-" +
+                           std::to_string(attempt);
+                output.fd =
+                    ::open(tempName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+                if (output.fd >= 0) break;
+                const int err = errno;
+                tempName.clear();
+                if (err != EEXIST || attempt > 100)
+                    throw UsageError("cannot write " + o.output + ": " + std::strerror(err));
+            }
+        }
+
+        FdSource source(input.fd, inputName);
+        FdSink sink(output.fd, outputName);
+        const int status = runBatch(o, source, sink);
+
+        if (toFile) {
+            const int fd = output.fd;
+            output.fd = -1;
+            if (::close(fd) != 0)
+                throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
+            if (::rename(tempName.c_str(), target.c_str()) != 0)
+                throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
+            tempName.clear();
+        }
+        return status;
+    } catch (const UsageError& e) {
+        writeAll(2, std::string("velmora-calc: ") + e.what() + "\n");
+    } catch (const std::bad_alloc&) {
+        writeAll(2, "velmora-calc: out of memory\n");
+    } catch (const std::exception& e) {
+        writeAll(2, std::string("velmora-calc: ") + e.what() + "\n");
+    }
+    if (!tempName.empty()) ::unlink(tempName.c_str());
+    return 2;
+}
+
+} // namespace velmora::batch
