@@ -294,37 +294,37 @@ namespace {
 
 // ---------------------------------------------------------------------------
 // The shortest decimal digits of a double by exact 128-bit arithmetic
-// (Ryu's method): the digits d and the exponent e of the shortest d x 10^e
-// that reads back to the value, the nearest such one when there are several.
+// (Giulietti's Schubfach method): the digits d and the exponent e of the
+// shortest d x 10^e that reads back to the value, the nearest such one when
+// there are several. d may end in zeros.
 
-#include "engine/numformat_pow5.inc"
+#include "engine/numformat_pow10.inc"
 
 using u128 = unsigned __int128;
 
-constexpr int kMantissaBits = 52;
-constexpr int kBias = 1023;
-constexpr int kPow5InvBits = 125;
-constexpr int kPow5Bits = 125;
+constexpr int kKMin = -324;
+constexpr std::uint64_t kCMin = std::uint64_t{1} << 52;
+constexpr int kQMin = -1074;
+constexpr std::uint64_t kMask63 = (std::uint64_t{1} << 63) - 1;
 
-int pow5bits(int e) { return ((e * 1217359) >> 19) + 1; } // bit length of 5^e
-int log10Pow2(int e) { return (e * 78913) >> 18; }         // floor(e log10 2)
-int log10Pow5(int e) { return (e * 732923) >> 20; }        // floor(e log10 5)
-
-int pow5Factor(std::uint64_t v) {
-    int n = 0;
-    while (v % 5 == 0) {
-        v /= 5;
-        ++n;
-    }
-    return n;
+int floorLog10Pow2(int e) { return static_cast<int>((e * 661971961083LL) >> 41); }
+int floorLog10ThreeQuartersPow2(int e) {
+    return static_cast<int>((e * 661971961083LL - 274743187321LL) >> 41);
 }
-bool multipleOfPow5(std::uint64_t v, int p) { return pow5Factor(v) >= p; }
-bool multipleOfPow2(std::uint64_t v, int p) { return (v & ((std::uint64_t{1} << p) - 1)) == 0; }
+int floorLog2Pow10(int e) { return static_cast<int>((e * 913124641741LL) >> 38); }
 
-std::uint64_t mulShift(std::uint64_t m, const std::uint64_t* mul, int j) {
-    const u128 b0 = static_cast<u128>(m) * mul[0];
-    const u128 b2 = static_cast<u128>(m) * mul[1];
-    return static_cast<std::uint64_t>(((b0 >> 64) + b2) >> (j - 64));
+std::uint64_t mulHigh(std::uint64_t a, std::uint64_t b) {
+    return static_cast<std::uint64_t>((static_cast<u128>(a) * b) >> 64);
+}
+
+// g x cp / 2^127 with g = g1 2^63 + g0, rounded to odd.
+std::uint64_t roundToOdd(std::uint64_t g1, std::uint64_t g0, std::uint64_t cp) {
+    const std::uint64_t x1 = mulHigh(g0, cp);
+    const std::uint64_t y0 = g1 * cp;
+    const std::uint64_t y1 = mulHigh(g1, cp);
+    const std::uint64_t z = (y0 >> 1) + x1;
+    const std::uint64_t vbp = y1 + (z >> 63);
+    return vbp | (((z & kMask63) + kMask63) >> 63);
 }
 
 struct ShortestDigits {
@@ -332,108 +332,66 @@ struct ShortestDigits {
     int exp;
 };
 
-ShortestDigits shortestDigits(std::uint64_t ieeeMantissa, int ieeeExponent) {
-    int e2;
-    std::uint64_t m2;
-    if (ieeeExponent == 0) {
-        e2 = 1 - kBias - kMantissaBits - 2;
-        m2 = ieeeMantissa;
-    } else {
-        e2 = ieeeExponent - kBias - kMantissaBits - 2;
-        m2 = (std::uint64_t{1} << kMantissaBits) | ieeeMantissa;
+// The value c x 2^q; dk shifts the exponent of the result.
+ShortestDigits shortestDigits(int q, std::uint64_t c, int dk) {
+    const std::uint64_t out = c & 1;
+    const std::uint64_t cb = c << 2;
+    const std::uint64_t cbr = cb + 2;
+    std::uint64_t cbl;
+    int k;
+    if (c != kCMin || q == kQMin) {
+        cbl = cb - 2;
+        k = floorLog10Pow2(q);
+    } else { // a power of two: the gap below is half the gap above
+        cbl = cb - 1;
+        k = floorLog10ThreeQuartersPow2(q);
     }
-    const bool acceptBounds = (m2 & 1) == 0;
+    const int h = q + floorLog2Pow10(-k) + 2;
+    const std::uint64_t* g = kPow10Scaled[-k - kKMin];
 
-    // the interval of decimals that read back: (mm, mp) around mv, in units of 2^e2
-    const std::uint64_t mv = 4 * m2;
-    const std::uint32_t mmShift = ieeeMantissa != 0 || ieeeExponent <= 1;
+    const std::uint64_t vb = roundToOdd(g[0], g[1], cb << h);
+    const std::uint64_t vbl = roundToOdd(g[0], g[1], cbl << h);
+    const std::uint64_t vbr = roundToOdd(g[0], g[1], cbr << h);
 
-    std::uint64_t vr, vp, vm;
-    int e10;
-    bool vmTrailingZeros = false, vrTrailingZeros = false;
-    if (e2 >= 0) {
-        const int q = log10Pow2(e2) - (e2 > 3);
-        e10 = q;
-        const int k = kPow5InvBits + pow5bits(q) - 1;
-        const int i = -e2 + q + k;
-        vr = mulShift(4 * m2, kPow5Inv[q], i);
-        vp = mulShift(4 * m2 + 2, kPow5Inv[q], i);
-        vm = mulShift(4 * m2 - 1 - mmShift, kPow5Inv[q], i);
-        if (q <= 21) {
-            if (mv % 5 == 0) {
-                vrTrailingZeros = multipleOfPow5(mv, q);
-            } else if (acceptBounds) {
-                vmTrailingZeros = multipleOfPow5(mv - 1 - mmShift, q);
-            } else {
-                vp -= multipleOfPow5(mv + 2, q);
-            }
+    const std::uint64_t s = vb >> 2;
+    if (s >= 100) {
+        // one digit fewer, when exactly one of its two candidates reads back
+        const std::uint64_t sp10 = 10 * (s / 10);
+        const std::uint64_t tp10 = sp10 + 10;
+        const bool upin = vbl + out <= sp10 << 2;
+        const bool wpin = (tp10 << 2) + out <= vbr;
+        if (upin != wpin) return {upin ? sp10 : tp10, k};
+    }
+    const std::uint64_t t = s + 1;
+    const bool uin = vbl + out <= s << 2;
+    const bool win = (t << 2) + out <= vbr;
+    if (uin != win) return {uin ? s : t, k + dk};
+    // both read back: the nearer, the even one on a tie
+    const std::int64_t cmp = static_cast<std::int64_t>(vb - ((s + t) << 1));
+    return {cmp < 0 || (cmp == 0 && (s & 1) == 0) ? s : t, k + dk};
+}
+
+// The shortest digits of a finite nonzero |x| given its bits, without trailing zeros.
+ShortestDigits shortestOf(std::uint64_t bits) {
+    const std::uint64_t t = bits & (kCMin - 1);
+    const int bq = static_cast<int>((bits >> 52) & 0x7FF);
+    ShortestDigits d;
+    if (bq != 0) {
+        const int mq = -kQMin + 1 - bq;
+        const std::uint64_t c = kCMin | t;
+        if (0 < mq && mq < 53 && ((c >> mq) << mq) == c) {
+            d = {c >> mq, 0}; // an integer below 2^53 is its own shortest text
+        } else {
+            d = shortestDigits(-mq, c, 0);
         }
     } else {
-        const int q = log10Pow5(-e2) - (-e2 > 1);
-        e10 = q + e2;
-        const int i = -e2 - q;
-        const int k = pow5bits(i) - kPow5Bits;
-        const int j = q - k;
-        vr = mulShift(4 * m2, kPow5[i], j);
-        vp = mulShift(4 * m2 + 2, kPow5[i], j);
-        vm = mulShift(4 * m2 - 1 - mmShift, kPow5[i], j);
-        if (q <= 1) {
-            vrTrailingZeros = true;
-            if (acceptBounds) {
-                vmTrailingZeros = mmShift == 1;
-            } else {
-                --vp;
-            }
-        } else if (q < 63) {
-            vrTrailingZeros = multipleOfPow2(mv, q);
-        }
+        d = t < 3 ? shortestDigits(kQMin, 10 * t, -1) : shortestDigits(kQMin, t, 0);
     }
-
-    // drop digits while the interval still holds a shorter decimal
-    int removed = 0;
-    std::uint64_t output;
-    if (vmTrailingZeros || vrTrailingZeros) {
-        int lastRemoved = 0;
-        while (vp / 10 > vm / 10) {
-            vmTrailingZeros &= vm % 10 == 0;
-            vrTrailingZeros &= lastRemoved == 0;
-            lastRemoved = static_cast<int>(vr % 10);
-            vr /= 10;
-            vp /= 10;
-            vm /= 10;
-            ++removed;
-        }
-        if (vmTrailingZeros) {
-            while (vm % 10 == 0) {
-                vrTrailingZeros &= lastRemoved == 0;
-                lastRemoved = static_cast<int>(vr % 10);
-                vr /= 10;
-                vp /= 10;
-                vm /= 10;
-                ++removed;
-            }
-        }
-        if (vrTrailingZeros && lastRemoved == 5 && vr % 2 == 0) lastRemoved = 4; // half: to even
-        output = vr + ((vr == vm && (!acceptBounds || !vmTrailingZeros)) || lastRemoved >= 5);
-    } else {
-        bool roundUp = false;
-        if (vp / 100 > vm / 100) {
-            roundUp = vr % 100 >= 50;
-            vr /= 100;
-            vp /= 100;
-            vm /= 100;
-            removed += 2;
-        }
-        while (vp / 10 > vm / 10) {
-            roundUp = vr % 10 >= 5;
-            vr /= 10;
-            vp /= 10;
-            vm /= 10;
-            ++removed;
-        }
-        output = vr + (vr == vm || roundUp);
+    while (d.digits % 10 == 0) {
+        d.digits /= 10;
+        ++d.exp;
     }
-    return {output, e10 + removed};
+    return d;
 }
 
 constexpr char kTwoDigits[] = "00010203040506070809101112131415161718192021222324252627282930313233343536"
@@ -503,22 +461,20 @@ int digitCount(std::uint64_t v) {
 char* shortestTo(char* first, char* last, double x) {
     std::uint64_t bits;
     std::memcpy(&bits, &x, sizeof bits);
-    const bool negative = bits >> 63;
-    const std::uint64_t mantissa = bits & ((std::uint64_t{1} << kMantissaBits) - 1);
-    const int exponent = static_cast<int>((bits >> kMantissaBits) & 0x7FF);
-    if (exponent == 0x7FF) return std::to_chars(first, last, x).ptr; // infinite or NaN
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
+    if ((magnitude >> 52) == 0x7FF) return std::to_chars(first, last, x).ptr; // infinite or NaN
     char* p = first;
-    if (negative) *p++ = '-';
-    if (exponent == 0 && mantissa == 0) {
+    if (bits >> 63) *p++ = '-';
+    if (magnitude == 0) {
         *p++ = '0';
         return p;
     }
-    const ShortestDigits d = shortestDigits(mantissa, exponent);
+    const ShortestDigits d = shortestOf(magnitude);
     const int n = digitCount(d.digits);
     const int sciExp = d.exp + n - 1;
 
     // the shorter of the fixed and the exponent form, the fixed one on a tie
-    const int sciLength = n + (n > 1 ? 1 : 0) + 2 + (std::abs(sciExp) >= 100 ? 3 : 2);
+    const int sciLength = n + (n > 1 ? 1 : 0) + 2 + (sciExp >= 100 || sciExp <= -100 ? 3 : 2);
     int fixedLength;
     if (d.exp >= 0) {
         fixedLength = n + d.exp;
@@ -529,11 +485,21 @@ char* shortestTo(char* first, char* last, double x) {
     }
 
     if (fixedLength <= sciLength) {
-        if (d.exp >= 0) {
+        if (d.exp > 0) {
+            // an integer, written with all its digits as the exact value has them
+            const int shift = static_cast<int>(magnitude >> 52) - 1075;
+            const u128 m = (magnitude & (kCMin - 1)) | kCMin;
+            u128 v = shift >= 0 ? m << shift : m >> -shift;
+            char* end = p + fixedLength;
+            for (char* q = end; q != p;) {
+                *--q = static_cast<char>('0' + static_cast<int>(v % 10));
+                v /= 10;
+            }
+            return end;
+        }
+        if (d.exp == 0) {
             writeDigits(p + n, d.digits);
-            p += n;
-            std::memset(p, '0', static_cast<std::size_t>(d.exp));
-            return p + d.exp;
+            return p + n;
         }
         if (sciExp >= 0) { // point inside the digits
             const int intDigits = sciExp + 1;
@@ -572,8 +538,7 @@ char* shortestTo(char* first, char* last, double x) {
         *p++ = static_cast<char>('0' + e / 100);
         e %= 100;
     }
-    std::memcpy(p, kTwoDigits + 2 * e, 2);
-    (void)last;
+    write2(p, static_cast<std::uint32_t>(e));
     return p + 2;
 }
 

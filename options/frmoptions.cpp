@@ -14,7 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
+#include <QKeyEvent>
 #include <QTabBar>
 
 #include <exception>
@@ -150,9 +150,6 @@ frmOptions::frmOptions()
     connect(cmdOK, &QPushButton::clicked, this, &frmOptions::cmdOK_Click);
     connect(cmdCancel, &QPushButton::clicked, this, &frmOptions::cmdCancel_Click);
     connect(cmdApply, &QPushButton::clicked, this, [this] { cmdApply_Click(); });
-    auto* nextTab = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Tab), this);
-    nextTab->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(nextTab, &QShortcut::activated, this, &frmOptions::selectNextTab);
 }
 
 // ---------------------------------------------------------------------------
@@ -168,6 +165,16 @@ void frmOptions::tbsOptions_Click() {
             picoptions[i]->setEnabled(false);
         }
     }
+}
+
+void frmOptions::keyPressEvent(QKeyEvent* event) {
+    // keys the focused control does not use arrive here (Form_KeyDown)
+    if (event->key() == Qt::Key_Tab && event->modifiers() == Qt::ControlModifier) {
+        selectNextTab();
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmOptions::selectNextTab() {

@@ -466,6 +466,7 @@ private slots:
         m_->txtsumca->setText(QStringLiteral("1.5"));
         m_->cmdaccuracy->setEnabled(true);
         setBackColor(m_->cmdaccuracy, vb::Red);
+        m_->cmdclear->setEnabled(true);
         test::click(m_->cmdclear);
         QVERIFY(!enabledFlag(m_->fraaccuracy));
         for (QWidget* w : std::initializer_list<QWidget*>{m_->lblsumca, m_->lblsuman, m_->lbldiff,

@@ -7,6 +7,8 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QRadioButton>
 #include <QLineEdit>
 #include <QTest>
 
@@ -46,7 +48,13 @@ void retype(QLineEdit* box, const QString& text) {
     typeInto(box, text);
 }
 
-void click(QAbstractButton* button) { QTest::mouseClick(button, Qt::LeftButton); }
+void click(QAbstractButton* button) {
+    // check boxes and option buttons take clicks on their mark and caption only
+    if (qobject_cast<QCheckBox*>(button) || qobject_cast<QRadioButton*>(button))
+        QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(6, button->height() / 2));
+    else
+        QTest::mouseClick(button, Qt::LeftButton);
+}
 
 void trigger(QAction* action) {
     if (action->isEnabled()) action->trigger();
