@@ -2,8 +2,8 @@
 
 #include "app/programpicture.h"
 #include "mainwindow/formsupport.h"
-#include "platform/platform.h"
 #include "mainwindow/frmmain.h"
+#include "platform/platform.h"
 
 #include <QCloseEvent>
 #include <QLabel>
@@ -20,7 +20,9 @@ frmAbout* frmAbout::instance() {
     return s_about;
 }
 
-bool frmAbout::isLoaded() { return s_about != nullptr; }
+bool frmAbout::isLoaded() {
+    return s_about != nullptr;
+}
 
 frmAbout::~frmAbout() {
     if (s_about == this) s_about = nullptr;
@@ -76,9 +78,13 @@ void frmAbout::Form_Load() {
     lblTitle->setText(QStringLiteral("Velmora"));
 }
 
-void frmAbout::cmdOK_Click() { close(); }
+void frmAbout::cmdOK_Click() {
+    close();
+}
 
-void frmAbout::reject() { close(); }
+void frmAbout::reject() {
+    close();
+}
 
 void frmAbout::closeEvent(QCloseEvent* event) {
     event->accept();

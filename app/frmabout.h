@@ -17,8 +17,8 @@ public:
     static bool isLoaded();
     ~frmAbout() override;
 
-    QLabel *Image1 = nullptr, *lblTitle = nullptr, *lblVersion = nullptr,
-           *lblDescription = nullptr, *lblDisclaimer = nullptr;
+    QLabel *Image1 = nullptr, *lblTitle = nullptr, *lblVersion = nullptr, *lblDescription = nullptr,
+           *lblDisclaimer = nullptr;
     QPushButton* cmdOK = nullptr;
 
     void Form_Load();

@@ -18,9 +18,13 @@ frmSplash* frmSplash::instance() {
     return s_splash;
 }
 
-bool frmSplash::isLoaded() { return s_splash != nullptr; }
+bool frmSplash::isLoaded() {
+    return s_splash != nullptr;
+}
 
-void frmSplash::unload() { delete s_splash; }
+void frmSplash::unload() {
+    delete s_splash;
+}
 
 frmSplash::~frmSplash() {
     if (s_splash == this) s_splash = nullptr;
@@ -64,7 +68,8 @@ frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindow
     lblPlatform->setText(QStringLiteral("Windows 98,2000,xp,vista"));
     Label1 = label("Label1", 2640, 600, 8, false);
     Label1->setWordWrap(true);
-    Label1->setText(QStringLiteral("Written by the Velmora developers for water-treatment engineers."));
+    Label1->setText(
+        QStringLiteral("Written by the Velmora developers for water-treatment engineers."));
     Form_Load();
 }
 

@@ -52,8 +52,8 @@ void drawDrop(QPainter& p, const QRectF& r) {
     const double x0 = centre.x() - radius * 0.8, x1 = centre.x() + radius * 0.8;
     const double yLow = centre.y() + radius * 0.55, yHigh = centre.y() - radius * 0.55;
     curve.moveTo(x0, yLow);
-    curve.cubicTo(QPointF(centre.x() + radius * 0.1, yLow), QPointF(centre.x() - radius * 0.1, yHigh),
-                  QPointF(x1, yHigh));
+    curve.cubicTo(QPointF(centre.x() + radius * 0.1, yLow),
+                  QPointF(centre.x() - radius * 0.1, yHigh), QPointF(x1, yHigh));
     p.setPen(QPen(QColor(255, 255, 255, 230), std::max(1.5, w / 28), Qt::SolidLine, Qt::RoundCap));
     p.setBrush(Qt::NoBrush);
     p.drawPath(curve);

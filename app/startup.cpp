@@ -59,7 +59,9 @@ protected:
 
 } // namespace
 
-void quitAfterFirstPaint(frmMain* main) { main->installEventFilter(new FirstPaintQuit(main)); }
+void quitAfterFirstPaint(frmMain* main) {
+    main->installEventFilter(new FirstPaintQuit(main));
+}
 
 void runDemoSample(frmMain* main) {
     frmOptions* options = frmOptions::instance();
@@ -73,8 +75,8 @@ void runDemoSample(frmMain* main) {
     options->cmdOK_Click();
 
     const std::pair<QLineEdit*, const char*> sample[] = {
-        {main->txtt, "25"},   {main->txtph, "7.5"}, {main->txtalk, "200"}, {main->txtca, "80"},
-        {main->txttds, "400"}, {main->txtcl, "50"}, {main->txtso4, "60"}};
+        {main->txtt, "25"},    {main->txtph, "7.5"}, {main->txtalk, "200"}, {main->txtca, "80"},
+        {main->txttds, "400"}, {main->txtcl, "50"},  {main->txtso4, "60"}};
     for (const auto& [box, text] : sample)
         box->setText(QLatin1String(text));
     main->cmdread->click();

@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 #include <iterator>
 #include <new>
+#include <type_traits>
 #include <unistd.h>
 
 namespace velmora::batch {
@@ -52,6 +53,9 @@ constexpr PointArray SweepArrays::*kArrays[] = {
 // ct, qa, clmeq, so4meq, phstart, phincrement, phsteps and ipoint
 static_assert(sizeof(SweepArrays) == std::size(kArrays) * sizeof(PointArray) + 8 * sizeof(double),
               "SweepArrays changed: update kArrays and Calculator::freshProgram");
+// A point array is its 141 doubles and nothing else, element 0 first.
+static_assert(std::is_standard_layout_v<PointArray> && std::is_trivially_copyable_v<PointArray> &&
+              sizeof(PointArray) == PointArray::kSize * sizeof(double));
 
 std::string lower(std::string_view s) {
     std::string r(s);
@@ -475,8 +479,7 @@ void Calculator::freshProgram() {
     // a row writes elements 0 to touched_ at most and reads touched_ + 1
     const int last = std::min(touched_ + 1, PointArray::kSize - 1);
     for (auto a : kArrays)
-        for (int i = 0; i <= last; ++i)
-            (sw.*a)(i) = 0;
+        std::memset(static_cast<void*>(&(sw.*a)), 0, sizeof(double) * (last + 1));
     sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
     sw.phstart = options_.sweep ? applied_.sweep.entry[0] : 0;
     sw.phincrement = sw.phsteps = 0;
@@ -539,22 +542,22 @@ bool Calculator::processRecord(const CsvReader& record, std::string& out) {
         sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.fieldCount()
             ? record.field(static_cast<std::size_t>(sampleField))
             : std::string_view();
-    const std::string line = "line " + std::to_string(record.line());
+    auto line = [&record] { return "line " + std::to_string(record.line()); };
 
     if (record.tooLong()) {
         messageRow(sample, "",
-                   line + ": the row is longer than " + std::to_string(CsvReader::kMaxRecord) +
+                   line() + ": the row is longer than " + std::to_string(CsvReader::kMaxRecord) +
                        " characters",
                    false, out);
         return true;
     }
     if (record.unterminated()) {
-        messageRow(sample, "", line + ": a quoted field is not closed", false, out);
+        messageRow(sample, "", line() + ": a quoted field is not closed", false, out);
         return true;
     }
     if (record.fieldCount() != fieldCount_) {
         messageRow(sample, "",
-                   line + ": " + std::to_string(record.fieldCount()) + " fields where the header has " +
+                   line() + ": " + std::to_string(record.fieldCount()) + " fields where the header has " +
                        std::to_string(fieldCount_),
                    false, out);
         return true;

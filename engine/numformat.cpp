@@ -1,5 +1,7 @@
 #include "engine/numformat.h"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -206,34 +208,87 @@ std::optional<double> convert(std::string_view number) {
     return negative ? -v : v;
 }
 
-// Length of the number at the start of s: [sign] digits [. digits] [e [sign] digits],
-// with at least one mantissa digit; 0 when there is none. A bare exponent
-// letter is not part of the number.
-std::size_t matchNumber(std::string_view s) {
+// One pass over a number of the grammar [sign] digits [. digits] [e [sign]
+// digits] at the start of s (at least one mantissa digit; a bare exponent
+// letter is not part of the number), gathering what the common case needs
+// to convert it without a second reading.
+struct Scan {
+    std::size_t length = 0;     // characters of the number; 0 when there is none
+    std::uint64_t mantissa = 0; // the first 19 significant digits
+    int exp10 = 0;              // value = mantissa x 10^exp10 unless truncated
+    bool truncated = false;     // nonzero significant digits beyond the 19th
+    bool negative = false;
+};
+
+Scan scanNumber(std::string_view s) {
+    Scan r;
     std::size_t i = 0;
-    if (i < s.size() && (s[i] == '+' || s[i] == '-')) ++i;
-    std::size_t digits = 0;
-    while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
+    const std::size_t n = s.size();
+    if (i < n && (s[i] == '+' || s[i] == '-')) {
+        r.negative = s[i] == '-';
         ++i;
-        ++digits;
     }
-    if (i < s.size() && s[i] == '.') {
+    int taken = 0;
+    bool anyDigit = false;
+    auto digit = [&](char c, bool fraction) {
+        anyDigit = true;
+        const auto d = static_cast<unsigned>(c - '0');
+        if (r.mantissa == 0 && d == 0) {
+            if (fraction) --r.exp10;
+        } else if (taken < 19) {
+            r.mantissa = r.mantissa * 10 + d;
+            ++taken;
+            if (fraction) --r.exp10;
+        } else {
+            if (d != 0) r.truncated = true;
+            if (!fraction) ++r.exp10;
+        }
+    };
+    while (i < n && s[i] >= '0' && s[i] <= '9')
+        digit(s[i++], false);
+    if (i < n && s[i] == '.') {
         ++i;
-        while (i < s.size() && s[i] >= '0' && s[i] <= '9') {
-            ++i;
-            ++digits;
+        while (i < n && s[i] >= '0' && s[i] <= '9')
+            digit(s[i++], true);
+    }
+    if (!anyDigit) return Scan{};
+    if (i < n && (s[i] == 'e' || s[i] == 'E')) {
+        std::size_t j = i + 1;
+        bool negativeExp = false;
+        if (j < n && (s[j] == '+' || s[j] == '-')) {
+            negativeExp = s[j] == '-';
+            ++j;
+        }
+        const std::size_t start = j;
+        int e = 0;
+        while (j < n && s[j] >= '0' && s[j] <= '9') {
+            if (e < 100000) e = e * 10 + (s[j] - '0');
+            ++j;
+        }
+        if (j > start) {
+            r.exp10 += negativeExp ? -e : e;
+            i = j;
         }
     }
-    if (digits == 0) return 0;
-    if (i < s.size() && (s[i] == 'e' || s[i] == 'E')) {
-        std::size_t j = i + 1;
-        if (j < s.size() && (s[j] == '+' || s[j] == '-')) ++j;
-        const std::size_t start = j;
-        while (j < s.size() && s[j] >= '0' && s[j] <= '9')
-            ++j;
-        if (j > start) i = j;
+    r.length = i;
+    return r;
+}
+
+constexpr double kExactPow10[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// The value of a scanned number; s is the text it was scanned from.
+std::optional<double> valueOf(const Scan& r, std::string_view s) {
+    if (r.mantissa == 0 && !r.truncated) return r.negative ? -0.0 : 0.0;
+    // a mantissa and a power of ten that are both exact: one rounding, the right one
+    if (!r.truncated && r.mantissa < (std::uint64_t{1} << 53) && r.exp10 >= -22 &&
+        r.exp10 <= 22) {
+        const auto m = static_cast<double>(r.mantissa);
+        const double v = r.exp10 < 0 ? m / kExactPow10[-r.exp10] : m * kExactPow10[r.exp10];
+        return r.negative ? -v : v;
     }
-    return i;
+    return convert(s.substr(0, r.length));
 }
 
 } // namespace
@@ -332,8 +387,8 @@ struct ShortestDigits {
     int exp;
 };
 
-// The value c x 2^q; dk shifts the exponent of the result.
-ShortestDigits shortestDigits(int q, std::uint64_t c, int dk) {
+// The value c x 2^q.
+ShortestDigits shortestDigits(int q, std::uint64_t c) {
     const std::uint64_t out = c & 1;
     const std::uint64_t cb = c << 2;
     const std::uint64_t cbr = cb + 2;
@@ -347,14 +402,14 @@ ShortestDigits shortestDigits(int q, std::uint64_t c, int dk) {
         k = floorLog10ThreeQuartersPow2(q);
     }
     const int h = q + floorLog2Pow10(-k) + 2;
-    const std::uint64_t* g = kPow10Scaled[-k - kKMin];
+    const std::uint64_t* g = kPow10Scaled[k - kKMin];
 
     const std::uint64_t vb = roundToOdd(g[0], g[1], cb << h);
     const std::uint64_t vbl = roundToOdd(g[0], g[1], cbl << h);
     const std::uint64_t vbr = roundToOdd(g[0], g[1], cbr << h);
 
     const std::uint64_t s = vb >> 2;
-    if (s >= 100) {
+    if (s >= 10) {
         // one digit fewer, when exactly one of its two candidates reads back
         const std::uint64_t sp10 = 10 * (s / 10);
         const std::uint64_t tp10 = sp10 + 10;
@@ -365,10 +420,10 @@ ShortestDigits shortestDigits(int q, std::uint64_t c, int dk) {
     const std::uint64_t t = s + 1;
     const bool uin = vbl + out <= s << 2;
     const bool win = (t << 2) + out <= vbr;
-    if (uin != win) return {uin ? s : t, k + dk};
+    if (uin != win) return {uin ? s : t, k};
     // both read back: the nearer, the even one on a tie
     const std::int64_t cmp = static_cast<std::int64_t>(vb - ((s + t) << 1));
-    return {cmp < 0 || (cmp == 0 && (s & 1) == 0) ? s : t, k + dk};
+    return {cmp < 0 || (cmp == 0 && (s & 1) == 0) ? s : t, k};
 }
 
 // The shortest digits of a finite nonzero |x| given its bits, without trailing zeros.
@@ -382,10 +437,10 @@ ShortestDigits shortestOf(std::uint64_t bits) {
         if (0 < mq && mq < 53 && ((c >> mq) << mq) == c) {
             d = {c >> mq, 0}; // an integer below 2^53 is its own shortest text
         } else {
-            d = shortestDigits(-mq, c, 0);
+            d = shortestDigits(-mq, c);
         }
     } else {
-        d = t < 3 ? shortestDigits(kQMin, 10 * t, -1) : shortestDigits(kQMin, t, 0);
+        d = shortestDigits(kQMin, t); // subnormal
     }
     while (d.digits % 10 == 0) {
         d.digits /= 10;
@@ -400,33 +455,64 @@ constexpr char kTwoDigits[] = "0001020304050607080910111213141516171819202122232
 
 void write2(char* p, std::uint32_t v) { std::memcpy(p, kTwoDigits + 2 * v, 2); }
 
-void write4(char* p, std::uint32_t v) {
-    write2(p, v / 100);
-    write2(p + 2, v % 100);
+// The eight digits of x < 10^8, zero-padded, four lanes at a time, as they
+// lie in memory on a little-endian machine.
+std::uint64_t digits8(std::uint32_t x) {
+    const std::uint64_t v = x;
+    const std::uint64_t abcd = (v * 109951163) >> 40; // v / 10000
+    const std::uint64_t merged = abcd | ((v - abcd * 10000) << 32);
+    const std::uint64_t hundreds = ((merged * 10486) >> 20) & ((0x7FULL << 32) | 0x7FULL);
+    const std::uint64_t pairs = hundreds | ((merged - 100 * hundreds) << 16);
+    const std::uint64_t tens =
+        ((pairs * 103) >> 10) & ((0xFULL << 48) | (0xFULL << 32) | (0xFULL << 16) | 0xFULL);
+    return (tens | ((pairs - 10 * tens) << 8)) | 0x3030303030303030ULL;
 }
 
-// The decimal digits of v, right-aligned so that they end at `end`.
-void writeDigits(char* end, std::uint64_t v) {
-    while (v >= 100000000) {
-        const auto low = static_cast<std::uint32_t>(v % 100000000);
-        v /= 100000000;
-        end -= 8;
-        write4(end, low / 10000);
-        write4(end + 4, low % 10000);
+// The twenty digits of v, zero-padded, held in registers: 4 + 8 + 8 characters.
+struct Digits20 {
+    std::uint64_t top, high, low;
+
+    explicit Digits20(std::uint64_t v) {
+        const std::uint64_t h = v / 100000000;
+        low = digits8(static_cast<std::uint32_t>(v - h * 100000000));
+        const std::uint64_t t = h / 100000000;
+        high = digits8(static_cast<std::uint32_t>(h - t * 100000000));
+        const auto t4 = static_cast<std::uint32_t>(t); // below 1845
+        std::uint16_t a, b;
+        std::memcpy(&a, kTwoDigits + 2 * (t4 / 100), 2);
+        std::memcpy(&b, kTwoDigits + 2 * (t4 % 100), 2);
+        top = a | (std::uint64_t{b} << 16);
     }
-    auto w = static_cast<std::uint32_t>(v);
-    while (w >= 100) {
-        end -= 2;
-        write2(end, w % 100);
-        w /= 100;
+
+    // Characters skip..19 to dest, by stores only; up to 8 characters past
+    // them may be overwritten.
+    void store(char* dest, int skip) const {
+        if constexpr (std::endian::native == std::endian::little) {
+            if (skip < 4) {
+                const std::uint64_t t = top >> (8 * skip);
+                std::memcpy(dest, &t, 4);
+                std::memcpy(dest + 4 - skip, &high, 8);
+                std::memcpy(dest + 12 - skip, &low, 8);
+            } else if (skip < 12) {
+                const std::uint64_t h = high >> (8 * (skip - 4));
+                std::memcpy(dest, &h, 8);
+                std::memcpy(dest + 12 - skip, &low, 8);
+            } else if (skip < 20) {
+                const std::uint64_t l = low >> (8 * (skip - 12));
+                std::memcpy(dest, &l, 8);
+            }
+        } else {
+            char all[20];
+            for (int i = 0; i < 4; ++i)
+                all[i] = static_cast<char>(top >> (8 * i));
+            for (int i = 0; i < 8; ++i) {
+                all[4 + i] = static_cast<char>(high >> (8 * i));
+                all[12 + i] = static_cast<char>(low >> (8 * i));
+            }
+            std::memcpy(dest, all + skip, static_cast<std::size_t>(20 - skip));
+        }
     }
-    if (w >= 10) {
-        end -= 2;
-        write2(end, w);
-    } else {
-        *--end = static_cast<char>('0' + w);
-    }
-}
+};
 
 constexpr std::uint64_t kPow10[20] = {1u,
                                       10u,
@@ -473,6 +559,9 @@ char* shortestTo(char* first, char* last, double x) {
     const int n = digitCount(d.digits);
     const int sciExp = d.exp + n - 1;
 
+    const Digits20 dg(d.digits);
+    const int skip = 20 - n; // leading zeros of the twenty digits
+
     // the shorter of the fixed and the exponent form, the fixed one on a tie
     const int sciLength = n + (n > 1 ? 1 : 0) + 2 + (sciExp >= 100 || sciExp <= -100 ? 3 : 2);
     int fixedLength;
@@ -498,29 +587,25 @@ char* shortestTo(char* first, char* last, double x) {
             return end;
         }
         if (d.exp == 0) {
-            writeDigits(p + n, d.digits);
+            dg.store(p, skip);
             return p + n;
         }
         if (sciExp >= 0) { // point inside the digits
             const int intDigits = sciExp + 1;
-            writeDigits(p + n + 1, d.digits);
-            std::memmove(p, p + 1, static_cast<std::size_t>(intDigits));
+            dg.store(p, skip);
+            dg.store(p + intDigits + 1, skip + intDigits);
             p[intDigits] = '.';
             return p + n + 1;
         }
-        *p++ = '0';
-        *p++ = '.';
-        const int zeros = -sciExp - 1;
-        std::memset(p, '0', static_cast<std::size_t>(zeros));
-        p += zeros;
-        writeDigits(p + n, d.digits);
-        return p + n;
+        std::memcpy(p, "0.000", 5); // at most three zeros after the point here
+        dg.store(p + 2 + (-sciExp - 1), skip);
+        return p + fixedLength;
     }
 
     // d.ddde+XX
-    writeDigits(p + n + 1, d.digits);
-    p[0] = p[1];
+    dg.store(p, skip);
     if (n > 1) {
+        dg.store(p + 2, skip + 1);
         p[1] = '.';
         p += n + 1;
     } else {
@@ -549,26 +634,19 @@ std::string shortest(double x) {
 
 double leadingNumber(std::string_view text) {
     // Blanks are dropped wherever they stand, then the number at the start is read.
-    char buf[128];
-    std::size_t n = 0;
-    std::string big;
-    for (char c : text) {
-        if (c == ' ' || c == '\t' || c == '\n') continue;
-        // Only characters that may belong to a number matter; stop at the first other one.
-        if (!((c >= '0' && c <= '9') || c == '.' || c == '+' || c == '-' || c == 'e' || c == 'E'))
-            break;
-        if (n < sizeof buf) {
-            buf[n++] = c;
-        } else {
-            if (big.empty()) big.assign(buf, n);
-            big += c;
-        }
+    auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
+    while (!text.empty() && blank(text.front()))
+        text.remove_prefix(1);
+    std::string compact;
+    if (std::find_if(text.begin(), text.end(), blank) != text.end()) {
+        for (char c : text)
+            if (!blank(c)) compact += c;
+        text = compact;
     }
-    const std::string_view s = big.empty() ? std::string_view(buf, n) : std::string_view(big);
-    const std::size_t len = matchNumber(s);
-    if (len == 0) return 0.0;
-    if (const auto v = convert(s.substr(0, len))) return *v;
-    return (s[0] == '-') ? -HUGE_VAL : HUGE_VAL;
+    const Scan r = scanNumber(text);
+    if (r.length == 0) return 0.0;
+    if (const auto v = valueOf(r, text)) return *v;
+    return r.negative ? -HUGE_VAL : HUGE_VAL;
 }
 
 bool isNumber(std::string_view text) { return strictNumber(text).has_value(); }
@@ -578,9 +656,9 @@ std::optional<double> strictNumber(std::string_view text) {
         text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back()))
         text.remove_suffix(1);
-    const std::size_t len = matchNumber(text);
-    if (len == 0 || len != text.size()) return std::nullopt;
-    return convert(text);
+    const Scan r = scanNumber(text);
+    if (r.length == 0 || r.length != text.size()) return std::nullopt;
+    return valueOf(r, text);
 }
 
 } // namespace velmora::fmt

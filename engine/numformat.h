@@ -30,8 +30,9 @@ std::string printNum(double x);
 
 // The shortest text that reads back to the same double (batch output).
 std::string shortest(double x);
-// The same text written into [first, last), which must hold at least 32
-// characters; returns the end of the text.
+// The same text written into [first, last), which must hold at least 48
+// characters (some of them past the text may be overwritten); returns the
+// end of the text.
 char* shortestTo(char* first, char* last, double x);
 
 // The leading-number reading of a box's text: blanks ignored, reading stops

@@ -59,9 +59,13 @@ quint32 backColor(const QWidget* w) {
     return roleOf(w) == QPalette::Base ? vb::WindowBackground : vb::ButtonFace;
 }
 
-QColor paintedBackColor(const QWidget* w) { return w->palette().color(roleOf(w)); }
+QColor paintedBackColor(const QWidget* w) {
+    return w->palette().color(roleOf(w));
+}
 
-bool enabledFlag(const QWidget* w) { return !w->testAttribute(Qt::WA_ForceDisabled); }
+bool enabledFlag(const QWidget* w) {
+    return !w->testAttribute(Qt::WA_ForceDisabled);
+}
 
 void setTwipsGeometry(QWidget* w, int left, int top, int width, int height) {
     if (w->isWindow()) {

@@ -79,8 +79,8 @@ QIcon toolbarIcon(const QString& key) {
         p.drawRect(QRectF(4.5, 10.5, 7, 4));
     } else if (key == QLatin1String("Sample")) {
         p.setBrush(QColor(120, 190, 255));
-        p.drawPolygon(QPolygonF({{6.5, 1.5}, {9.5, 1.5}, {9.5, 6.5}, {14, 14.5}, {2, 14.5},
-                                 {6.5, 6.5}}));
+        p.drawPolygon(
+            QPolygonF({{6.5, 1.5}, {9.5, 1.5}, {9.5, 6.5}, {14, 14.5}, {2, 14.5}, {6.5, 6.5}}));
     } else if (key == QLatin1String("Graph")) {
         p.drawLine(QPointF(1.5, 14.5), QPointF(14.5, 14.5));
         p.setBrush(QColor(220, 60, 60));
@@ -113,7 +113,9 @@ Platform::Icon platformIcon(MessageIcon icon) {
     return Platform::Icon::None;
 }
 
-QString settingText(int twips) { return QString::number(static_cast<float>(twips), 'g', 7); }
+QString settingText(int twips) {
+    return QString::number(static_cast<float>(twips), 'g', 7);
+}
 
 } // namespace
 
@@ -123,7 +125,9 @@ frmMain* frmMain::instance() {
     return s_main;
 }
 
-bool frmMain::isLoaded() { return s_main != nullptr; }
+bool frmMain::isLoaded() {
+    return s_main != nullptr;
+}
 
 frmMain::frmMain() {
     s_main = this;
@@ -309,16 +313,16 @@ void frmMain::buildControls() {
         QStringLiteral("T as Celsius "));
 
     fratdsec = frame(frawater, "fratdsec", QString());
-    row(fratdsec, 0, lbltds, "lbltds", QStringLiteral("Dissolved solids (TDS) ="), txttds,
-        "txttds", mgL);
+    row(fratdsec, 0, lbltds, "lbltds", QStringLiteral("Dissolved solids (TDS) ="), txttds, "txttds",
+        mgL);
     row(fratdsec, 1, lblec, "lblec", QStringLiteral("Electrical conductivity  = "), txtec, "txtec",
         QStringLiteral("As Mili-Siemens per meter (mS/m)"));
 
     frmcations = frame(frawater, "frmcations", QStringLiteral("cations :"));
     row(frmcations, 0, lblca, "lblca", QStringLiteral("  Calcium as Ca             ="), txtca,
         "txtca", mgL);
-    row(frmcations, 1, lblmg, "lblmg", QStringLiteral("  Magnesium as Mg       ="), txtmg,
-        "txtmg", mgL);
+    row(frmcations, 1, lblmg, "lblmg", QStringLiteral("  Magnesium as Mg       ="), txtmg, "txtmg",
+        mgL);
     row(frmcations, 2, lblk, "lblk", QStringLiteral("Potassium as K            ="), txtk, "txtk",
         mgL);
     row(frmcations, 3, lblna, "lblna", QStringLiteral("Sodium as Na              ="), txtna,
@@ -329,8 +333,8 @@ void frmMain::buildControls() {
         mgL);
     row(frmcations, 6, lblfe, "lblfe", QStringLiteral("Iron as Fe                    ="), txtfe,
         "txtfe", mgL);
-    row(frmcations, 7, lblal, "lblal", QStringLiteral("Aluminium as AL          ="), txtal,
-        "txtal", mgL);
+    row(frmcations, 7, lblal, "lblal", QStringLiteral("Aluminium as AL          ="), txtal, "txtal",
+        mgL);
 
     frmanions = frame(frawater, "frmanions", QStringLiteral("Anions :"));
     row(frmanions, 0, lblhco3, "lblhco3", QStringLiteral("Bicarbonate as HCO3   ="), txthco3,
@@ -341,8 +345,8 @@ void frmMain::buildControls() {
         "txtno2", mgL);
     row(frmanions, 3, lblno3, "lblno3", QStringLiteral("Nitrate as NO3             ="), txtno3,
         "txtno3", mgL);
-    row(frmanions, 4, lblf, "lblf", QStringLiteral("Fluoride as F                 ="), txtf,
-        "txtf", mgL);
+    row(frmanions, 4, lblf, "lblf", QStringLiteral("Fluoride as F                 ="), txtf, "txtf",
+        mgL);
     row(frmanions, 5, lblcl, "lblcl", QStringLiteral("Chloride as Cl              ="), txtcl,
         "txtcl", mgL);
     row(frmanions, 6, lblso4, "lblso4", QStringLiteral("Solphate as SO4         ="), txtso4,
@@ -502,13 +506,17 @@ QLabel* frmMain::statusPanel(int panel) const {
     return nullptr;
 }
 
-QString frmMain::statusText() const { return panel1_->text(); }
+QString frmMain::statusText() const {
+    return panel1_->text();
+}
 
-void frmMain::setStatusText(const QString& text) { panel1_->setText(text); }
+void frmMain::setStatusText(const QString& text) {
+    panel1_->setText(text);
+}
 
 QList<QLineEdit*> frmMain::analysisBoxes() const {
-    return {txttds, txtec,  txtt,    txtph,  txtalk, txtca,  txtmg, txtk,  txtna,  txtzn,
-            txtmn,  txtfe,  txtal,   txthco3, txtco3, txtno2, txtno3, txtf, txtcl, txtso4};
+    return {txttds, txtec, txtt,  txtph,   txtalk, txtca,  txtmg,  txtk, txtna, txtzn,
+            txtmn,  txtfe, txtal, txthco3, txtco3, txtno2, txtno3, txtf, txtcl, txtso4};
 }
 
 AnalysisTexts frmMain::analysisTexts() const {
@@ -544,9 +552,13 @@ void frmMain::refreshClock() {
     panel3_->setText(locale.toString(now.time(), QLocale::ShortFormat));
 }
 
-bool frmMain::sweepChecked() const { return frmOptions::instance()->chkphsweep->isChecked(); }
+bool frmMain::sweepChecked() const {
+    return frmOptions::instance()->chkphsweep->isChecked();
+}
 
-bool frmMain::larsonSkoldChecked() const { return frmOptions::instance()->chklr->isChecked(); }
+bool frmMain::larsonSkoldChecked() const {
+    return frmOptions::instance()->chklr->isChecked();
+}
 
 void frmMain::reportFailure(const QString& command, const char* what) {
     platform().message(this, QStringLiteral("%1 failed: %2.").arg(command, QString::fromUtf8(what)),
@@ -612,7 +624,9 @@ bool frmMain::restoreSavedPlacement() {
 // ---------------------------------------------------------------------------
 // Window events
 
-void frmMain::Form_Load() { QDir::setCurrent(QCoreApplication::applicationDirPath()); }
+void frmMain::Form_Load() {
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+}
 
 void frmMain::showEvent(QShowEvent* event) {
     refreshClock();
@@ -671,10 +685,13 @@ void frmMain::mnusittingac_Click() {
     dialog->raise();
 }
 
-void frmMain::mnuHelpAbout_Click() { platform().execModal(frmAbout::instance()); }
+void frmMain::mnuHelpAbout_Click() {
+    platform().execModal(frmAbout::instance());
+}
 
 void frmMain::mnuhelpcontents_Click() {
-    platform().message(this, QStringLiteral(" There have been no Help associated with this project yet."),
+    platform().message(this,
+                       QStringLiteral(" There have been no Help associated with this project yet."),
                        windowTitle(), Platform::Icon::Information);
 }
 
@@ -688,9 +705,13 @@ void frmMain::mnuViewStatusBar_Click() {
     sbStatusBar->setVisible(mnuViewStatusBar->isChecked());
 }
 
-void frmMain::mnuFileExit_Click() { close(); }
+void frmMain::mnuFileExit_Click() {
+    close();
+}
 
-void frmMain::mnuFileProperties_Click() { openPropertiesDialog(); }
+void frmMain::mnuFileProperties_Click() {
+    openPropertiesDialog();
+}
 
 // The report commands come with the report output; until then they do nothing.
 void frmMain::mnuFileSave_Click() {}
@@ -847,7 +868,9 @@ void frmMain::accuracyRefresh() {
     txtdiff->setText(QString::fromStdString(fmt::rounded(r.diff, 5)));
 }
 
-void frmMain::publishResults() { publishResultsWindows(theEngine(), theOptions()); }
+void frmMain::publishResults() {
+    publishResultsWindows(theEngine(), theOptions());
+}
 
 void frmMain::message(const std::string& text, const std::string& title, MessageIcon icon) {
     platform().message(this, QString::fromStdString(text), QString::fromStdString(title),
@@ -961,18 +984,42 @@ void frmMain::chlorideSulphateChange(QLineEdit* box) {
     workflowAfterEdit();
 }
 
-void frmMain::txtal_Change() { plainChange(txtal); }
-void frmMain::txtco3_Change() { plainChange(txtco3); }
-void frmMain::txtf_Change() { plainChange(txtf); }
-void frmMain::txtfe_Change() { plainChange(txtfe); }
-void frmMain::txthco3_Change() { plainChange(txthco3); }
-void frmMain::txtk_Change() { plainChange(txtk); }
-void frmMain::txtmg_Change() { plainChange(txtmg); }
-void frmMain::txtmn_Change() { plainChange(txtmn); }
-void frmMain::txtna_Change() { plainChange(txtna); }
-void frmMain::txtno2_Change() { plainChange(txtno2); }
-void frmMain::txtno3_Change() { plainChange(txtno3); }
-void frmMain::txtzn_Change() { plainChange(txtzn); }
+void frmMain::txtal_Change() {
+    plainChange(txtal);
+}
+void frmMain::txtco3_Change() {
+    plainChange(txtco3);
+}
+void frmMain::txtf_Change() {
+    plainChange(txtf);
+}
+void frmMain::txtfe_Change() {
+    plainChange(txtfe);
+}
+void frmMain::txthco3_Change() {
+    plainChange(txthco3);
+}
+void frmMain::txtk_Change() {
+    plainChange(txtk);
+}
+void frmMain::txtmg_Change() {
+    plainChange(txtmg);
+}
+void frmMain::txtmn_Change() {
+    plainChange(txtmn);
+}
+void frmMain::txtna_Change() {
+    plainChange(txtna);
+}
+void frmMain::txtno2_Change() {
+    plainChange(txtno2);
+}
+void frmMain::txtno3_Change() {
+    plainChange(txtno3);
+}
+void frmMain::txtzn_Change() {
+    plainChange(txtzn);
+}
 
 void frmMain::txtalk_Change() {
     requirementChange(txtalk, {Block::Lewis, Block::Langelier, Block::Russell});
@@ -1009,7 +1056,11 @@ void frmMain::txttds_Change() {
     if (txttds->text().isEmpty()) cmdread->setEnabled(false);
 }
 
-void frmMain::txtcl_Change() { chlorideSulphateChange(txtcl); }
-void frmMain::txtso4_Change() { chlorideSulphateChange(txtso4); }
+void frmMain::txtcl_Change() {
+    chlorideSulphateChange(txtcl);
+}
+void frmMain::txtso4_Change() {
+    chlorideSulphateChange(txtso4);
+}
 
 } // namespace velmora

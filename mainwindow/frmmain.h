@@ -8,9 +8,9 @@
 #include "intake/readdata.h"
 
 #include <QList>
-#include <initializer_list>
 #include <QMainWindow>
 #include <QString>
+#include <initializer_list>
 
 class QAction;
 class QGroupBox;
@@ -62,8 +62,8 @@ public:
     QLineEdit *txtnam = nullptr, *txtorg = nullptr, *txtdat = nullptr, *txtloc = nullptr;
     QLineEdit *txtsumca = nullptr, *txtsuman = nullptr, *txtdiff = nullptr;
     QLabel *lblsumca = nullptr, *lblsuman = nullptr, *lbldiff = nullptr;
-    QPushButton *cmdread = nullptr, *cmdaccuracy = nullptr, *cmdcalc = nullptr,
-                *cmdshow = nullptr, *cmdclear = nullptr;
+    QPushButton *cmdread = nullptr, *cmdaccuracy = nullptr, *cmdcalc = nullptr, *cmdshow = nullptr,
+                *cmdclear = nullptr;
     QLabel* Image1 = nullptr;
 
     QMenu *mnuFile = nullptr, *mnusetting = nullptr, *mnuoption = nullptr, *mnuView = nullptr,

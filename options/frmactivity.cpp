@@ -22,7 +22,9 @@ frmactivity* frmactivity::instance() {
     return s_activity;
 }
 
-bool frmactivity::isLoaded() { return s_activity != nullptr; }
+bool frmactivity::isLoaded() {
+    return s_activity != nullptr;
+}
 
 frmactivity::~frmactivity() {
     if (s_activity == this) s_activity = nullptr;
@@ -50,12 +52,12 @@ frmactivity::frmactivity() : QDialog(frmMain::isLoaded() ? frmMain::instance() :
         setTwipsGeometry(o, 360, top, 4215, 315);
         return o;
     };
-    optdebye = option("optdebye", QStringLiteral("Debye - Huckel                      I<0.005"), 690);
+    optdebye =
+        option("optdebye", QStringLiteral("Debye - Huckel                      I<0.005"), 690);
     optgun = option("optgun", QStringLiteral("Guntelberg                             I<0.1"), 1110);
-    optedebye =
-        option("optedebye", QStringLiteral("Extended Debye - Huckel      I<0.1"), 1530);
-    optdavies = option("optdavies", QStringLiteral("Davies                                   I<0.5"),
-                       1950);
+    optedebye = option("optedebye", QStringLiteral("Extended Debye - Huckel      I<0.1"), 1530);
+    optdavies =
+        option("optdavies", QStringLiteral("Davies                                   I<0.5"), 1950);
     optedebye->setChecked(true);
 
     cmdOK = new QPushButton(QStringLiteral("&Ok"), this);
@@ -82,9 +84,13 @@ void frmactivity::cmdOK_Click() {
     hide();
 }
 
-void frmactivity::cmdCancel_Click() { close(); }
+void frmactivity::cmdCancel_Click() {
+    close();
+}
 
-void frmactivity::reject() { cmdCancel_Click(); }
+void frmactivity::reject() {
+    cmdCancel_Click();
+}
 
 void frmactivity::closeEvent(QCloseEvent* event) {
     event->accept();

@@ -21,8 +21,7 @@ public:
 
     QGroupBox* frame = nullptr; // named frmactivity, like the dialog
     QLabel* lblactivity = nullptr;
-    QRadioButton *optdebye = nullptr, *optgun = nullptr, *optedebye = nullptr,
-                 *optdavies = nullptr;
+    QRadioButton *optdebye = nullptr, *optgun = nullptr, *optedebye = nullptr, *optdavies = nullptr;
     QPushButton *cmdOK = nullptr, *cmdCancel = nullptr;
 
 public slots:

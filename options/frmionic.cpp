@@ -40,7 +40,9 @@ frmionic* frmionic::instance() {
     return s_ionic;
 }
 
-bool frmionic::isLoaded() { return s_ionic != nullptr; }
+bool frmionic::isLoaded() {
+    return s_ionic != nullptr;
+}
 
 frmionic::~frmionic() {
     if (s_ionic == this) s_ionic = nullptr;
@@ -91,11 +93,11 @@ void frmionic::cmdOK_Click() {
     EquationFlags& eq = theOptions().equations;
     frmMain* m = frmMain::instance();
     const bool larsonSkold = frmOptions::instance()->chklr->isChecked();
-    const std::initializer_list<QLineEdit*> ions = {m->txtal, m->txtfe, m->txtmn, m->txtzn,
-                                                    m->txtmg, m->txtso4, m->txtcl, m->txtf,
+    const std::initializer_list<QLineEdit*> ions = {m->txtal, m->txtfe,  m->txtmn,  m->txtzn,
+                                                    m->txtmg, m->txtso4, m->txtcl,  m->txtf,
                                                     m->txtna, m->txtno3, m->txtno2, m->txtk};
-    const std::initializer_list<QWidget*> ionLabels = {m->lblal, m->lblfe, m->lblmn, m->lblzn,
-                                                       m->lblmg, m->lblso4, m->lblcl, m->lblf,
+    const std::initializer_list<QWidget*> ionLabels = {m->lblal, m->lblfe,  m->lblmn,  m->lblzn,
+                                                       m->lblmg, m->lblso4, m->lblcl,  m->lblf,
                                                        m->lblna, m->lblno3, m->lblno2, m->lblk};
     auto disableAndEmpty = [](std::initializer_list<QLineEdit*> boxes) {
         for (QLineEdit* b : boxes) {
@@ -132,8 +134,7 @@ void frmionic::cmdOK_Click() {
         }
         for (QWidget* l : ionLabels)
             l->setEnabled(true);
-        enable({m->txtco3, m->txthco3, m->lblco3, m->lblhco3, m->frmcations, m->frmanions},
-                   true);
+        enable({m->txtco3, m->txthco3, m->lblco3, m->lblhco3, m->frmcations, m->frmanions}, true);
         enable({m->cmdcalc, m->cmdshow, m->cmdclear}, false);
     } else {
         eq.bllewis = false;
@@ -154,13 +155,12 @@ void frmionic::cmdOK_Click() {
             setBackColor(b, vb::LightBlue);
         setBackColor(m->txtco3, vb::LightBlue);
         setBackColor(m->txthco3, vb::LightBlue);
-        enable({m->lblal, m->lblfe, m->lblmn, m->lblzn, m->lblmg, m->txtco3, m->txthco3,
-                    m->lblco3, m->lblhco3},
-                   false);
+        enable({m->lblal, m->lblfe, m->lblmn, m->lblzn, m->lblmg, m->txtco3, m->txthco3, m->lblco3,
+                m->lblhco3},
+               false);
         m->frmcations->setEnabled(true);
         m->frmanions->setEnabled(false);
-        enable({m->lblso4, m->lblcl, m->lblf, m->lblna, m->lblno3, m->lblno2, m->lblk},
-                   false);
+        enable({m->lblso4, m->lblcl, m->lblf, m->lblna, m->lblno3, m->lblno2, m->lblk}, false);
         enable({m->txttds, m->lbltds, m->fratdsec}, true);
     }
 
@@ -206,9 +206,13 @@ void frmionic::cmdOK_Click() {
     hide();
 }
 
-void frmionic::cmdCancel_Click() { close(); }
+void frmionic::cmdCancel_Click() {
+    close();
+}
 
-void frmionic::reject() { cmdCancel_Click(); }
+void frmionic::reject() {
+    cmdCancel_Click();
+}
 
 void frmionic::closeEvent(QCloseEvent* event) {
     event->accept();

@@ -11,10 +11,10 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QKeyEvent>
 #include <QTabBar>
 
 #include <exception>
@@ -31,14 +31,15 @@ frmOptions* frmOptions::instance() {
     return s_options;
 }
 
-bool frmOptions::isLoaded() { return s_options != nullptr; }
+bool frmOptions::isLoaded() {
+    return s_options != nullptr;
+}
 
 frmOptions::~frmOptions() {
     if (s_options == this) s_options = nullptr;
 }
 
-frmOptions::frmOptions()
-    : QDialog(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
+frmOptions::frmOptions() : QDialog(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
     s_options = this;
     setObjectName(QStringLiteral("frmOptions"));
     setWindowTitle(QStringLiteral("Options"));
@@ -74,7 +75,7 @@ frmOptions::frmOptions()
     setTwipsGeometry(fraSample2, 0, 0, 4965, 3180);
     lblindex = label(fraSample2, "lblindex",
                      QStringLiteral("Please choose corrosion or scaling indices. "));
-    setTwipsGeometry(lblindex, 120, 240, 4700, 270);
+    setTwipsGeometry(lblindex, 120, 330, 4700, 270);
     struct Check {
         QCheckBox*& box;
         const char* name;
@@ -94,7 +95,7 @@ frmOptions::frmOptions()
     for (const Check& c : checks) {
         c.box = new QCheckBox(QLatin1String(c.caption), fraSample2);
         c.box->setObjectName(QLatin1String(c.name));
-        setTwipsGeometry(c.box, 90, 570 + 315 * i, 4845, 300);
+        setTwipsGeometry(c.box, 90, 630 + 315 * i, 4845, 300);
         ++i;
     }
 
@@ -107,8 +108,9 @@ frmOptions::frmOptions()
     frasweep = new QGroupBox(QStringLiteral("pH sweep :"), picoptions[1]);
     frasweep->setObjectName(QStringLiteral("frasweep"));
     setTwipsGeometry(frasweep, 0, 840, 4965, 2340);
-    auto row = [&](int r, QLabel*& caption, const char* cname, const QString& ctext, QLineEdit*& box,
-                   const char* bname, QLabel*& hint, const char* hname, const QString& htext) {
+    auto row = [&](int r, QLabel*& caption, const char* cname, const QString& ctext,
+                   QLineEdit*& box, const char* bname, QLabel*& hint, const char* hname,
+                   const QString& htext) {
         caption = label(frasweep, cname, ctext);
         box = new QLineEdit(frasweep);
         box->setObjectName(QLatin1String(bname));
@@ -119,8 +121,8 @@ frmOptions::frmOptions()
     };
     row(0, lblini, "lblini", QStringLiteral("Start pH         ="), txtinitialph, "txtinitialph",
         lblini2, "lblini2", QStringLiteral("Between 1.0 to 14"));
-    row(1, lblstep, "lblstep", QStringLiteral("pH increment  ="), txtincrementph,
-        "txtincrementph", lblstep2, "lblstep2", QStringLiteral("Between 0.1 to 2"));
+    row(1, lblstep, "lblstep", QStringLiteral("pH increment  ="), txtincrementph, "txtincrementph",
+        lblstep2, "lblstep2", QStringLiteral("Between 0.1 to 2"));
     row(2, lblnum, "lblnum", QStringLiteral("Step numbers ="), txtstep, "txtstep", lblnum2,
         "lblnum2", QStringLiteral("Between 1 to 140"));
 
@@ -183,9 +185,9 @@ void frmOptions::selectNextTab() {
 
 void frmOptions::chkphsweep_Click() {
     const bool on = chkphsweep->isChecked();
-    for (QWidget* w : std::initializer_list<QWidget*>{frasweep, txtinitialph, txtincrementph,
-                                                      txtstep, lblini, lblnum, lblstep, lblini2,
-                                                      lblnum2, lblstep2})
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{frasweep, txtinitialph, txtincrementph, txtstep, lblini,
+                                         lblnum, lblstep, lblini2, lblnum2, lblstep2})
         w->setEnabled(on);
 }
 
@@ -208,7 +210,9 @@ void frmOptions::txtincrementph_Change() {
     checkBox(txtincrementph, checkIncrementPh(txtincrementph->text().toStdString()));
 }
 
-void frmOptions::txtstep_Change() { checkBox(txtstep, checkSteps(txtstep->text().toStdString())); }
+void frmOptions::txtstep_Change() {
+    checkBox(txtstep, checkSteps(txtstep->text().toStdString()));
+}
 
 bool frmOptions::cmdApply_Click() {
     IndexFlags& flags = theOptions().index;
@@ -258,17 +262,17 @@ bool frmOptions::cmdApply_Click() {
     // the sweep list
     if (chkphsweep->isChecked()) {
         try {
-            const SweepApplyResult r =
-                applySweep(txtinitialph->text().toStdString(), txtincrementph->text().toStdString(),
-                           txtstep->text().toStdString(), theOptions().sweep,
-                           theEngine().sw.phstart);
+            const SweepApplyResult r = applySweep(
+                txtinitialph->text().toStdString(), txtincrementph->text().toStdString(),
+                txtstep->text().toStdString(), theOptions().sweep, theEngine().sw.phstart);
             if (r.outcome != SweepApplyResult::Outcome::Applied) {
                 showMessage(r.message);
                 if (r.clearStepBox) txtstep->setText(QString());
                 return false;
             }
         } catch (const std::exception& e) {
-            platform().message(this, QStringLiteral("Apply failed: %1.").arg(QString::fromUtf8(e.what())),
+            platform().message(this,
+                               QStringLiteral("Apply failed: %1.").arg(QString::fromUtf8(e.what())),
                                QStringLiteral("Velmora"), Platform::Icon::Critical);
             return false;
         }
@@ -287,9 +291,13 @@ void frmOptions::cmdOK_Click() {
     if (cmdApply_Click()) hide();
 }
 
-void frmOptions::cmdCancel_Click() { close(); }
+void frmOptions::cmdCancel_Click() {
+    close();
+}
 
-void frmOptions::reject() { cmdCancel_Click(); }
+void frmOptions::reject() {
+    cmdCancel_Click();
+}
 
 void frmOptions::closeEvent(QCloseEvent* event) {
     event->accept();

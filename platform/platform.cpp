@@ -110,7 +110,9 @@ Platform& platform() {
     return installed ? *installed : qt;
 }
 
-void setPlatform(Platform* p) { installed = p; }
+void setPlatform(Platform* p) {
+    installed = p;
+}
 
 bool isSmallScreen() {
     Platform& p = platform();
@@ -130,7 +132,11 @@ int twipsToPixelsY(int twips) {
     const int tpp = platform().twipsPerPixelY();
     return tpp > 0 ? static_cast<int>(std::lround(static_cast<double>(twips) / tpp)) : twips / 15;
 }
-int pixelsToTwipsX(int pixels) { return pixels * platform().twipsPerPixelX(); }
-int pixelsToTwipsY(int pixels) { return pixels * platform().twipsPerPixelY(); }
+int pixelsToTwipsX(int pixels) {
+    return pixels * platform().twipsPerPixelX();
+}
+int pixelsToTwipsY(int pixels) {
+    return pixels * platform().twipsPerPixelY();
+}
 
 } // namespace velmora

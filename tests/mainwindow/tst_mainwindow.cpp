@@ -6,6 +6,7 @@
 #include "engine/engine.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/frmmain.h"
+#include "mainwindow/frmproperties.h"
 #include "options/frmactivity.h"
 #include "options/frmionic.h"
 #include "options/frmoptions.h"
@@ -80,8 +81,9 @@ private slots:
         row("txtt", "lblt", "Temperture (T)     =  ", QStringLiteral("T as Celsius "), true,
             vb::Cyan);
         row("txttds", "lbltds", "Dissolved solids (TDS) =", mg, true, vb::Cyan);
-        row("txtec", "lblec", "Electrical conductivity  = ",
-            QStringLiteral("As Mili-Siemens per meter (mS/m)"), false, vb::LightBlue);
+        row("txtec", "lblec",
+            "Electrical conductivity  = ", QStringLiteral("As Mili-Siemens per meter (mS/m)"),
+            false, vb::LightBlue);
         row("txtca", "lblca", "  Calcium as Ca             =", mg, true, vb::Cyan);
         row("txtmg", "lblmg", "  Magnesium as Mg       =", mg, false, vb::LightBlue);
         row("txtk", "lblk", "Potassium as K            =", mg, false, vb::LightBlue);
@@ -123,13 +125,20 @@ private slots:
         QTest::addColumn<QString>("frame");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<bool>("enabled");
-        QTest::newRow("frawater") << "frawater" << "Enter water characteristics below :" << true;
-        QTest::newRow("Frame4") << "Frame4" << "" << true;
-        QTest::newRow("fratdsec") << "fratdsec" << "" << true;
-        QTest::newRow("frmcations") << "frmcations" << "cations :" << true;
-        QTest::newRow("frmanions") << "frmanions" << "Anions :" << false;
-        QTest::newRow("frasample") << "frasample" << "Sample properties :" << false;
-        QTest::newRow("fraaccuracy") << "fraaccuracy" << "Accuracy Test Results :" << false;
+        QTest::newRow("frawater") << "frawater"
+                                  << "Enter water characteristics below :" << true;
+        QTest::newRow("Frame4") << "Frame4"
+                                << "" << true;
+        QTest::newRow("fratdsec") << "fratdsec"
+                                  << "" << true;
+        QTest::newRow("frmcations") << "frmcations"
+                                    << "cations :" << true;
+        QTest::newRow("frmanions") << "frmanions"
+                                   << "Anions :" << false;
+        QTest::newRow("frasample") << "frasample"
+                                   << "Sample properties :" << false;
+        QTest::newRow("fraaccuracy") << "fraaccuracy"
+                                     << "Accuracy Test Results :" << false;
     }
     void framesAtCreation() {
         QFETCH(QString, frame);
@@ -168,12 +177,16 @@ private slots:
         QTest::addColumn<QString>("button");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<uint>("colour");
-        QTest::newRow("cmdread") << "cmdread" << "&Read Data" << uint(vb::ReadButton);
-        QTest::newRow("cmdaccuracy")
-            << "cmdaccuracy" << "Water analysis accuracy test" << uint(vb::ButtonFace);
-        QTest::newRow("cmdcalc") << "cmdcalc" << "&Calculate" << uint(vb::CalcButton);
-        QTest::newRow("cmdshow") << "cmdshow" << "&Show results" << uint(vb::ButtonFace);
-        QTest::newRow("cmdclear") << "cmdclear" << "&Clear" << uint(vb::ButtonFace);
+        QTest::newRow("cmdread") << "cmdread"
+                                 << "&Read Data" << uint(vb::ReadButton);
+        QTest::newRow("cmdaccuracy") << "cmdaccuracy"
+                                     << "Water analysis accuracy test" << uint(vb::ButtonFace);
+        QTest::newRow("cmdcalc") << "cmdcalc"
+                                 << "&Calculate" << uint(vb::CalcButton);
+        QTest::newRow("cmdshow") << "cmdshow"
+                                 << "&Show results" << uint(vb::ButtonFace);
+        QTest::newRow("cmdclear") << "cmdclear"
+                                  << "&Clear" << uint(vb::ButtonFace);
     }
     void buttonsAtCreation() {
         QFETCH(QString, button);
@@ -212,22 +225,31 @@ private slots:
         QTest::addColumn<QKeySequence>("shortcut");
         QTest::addColumn<bool>("enabled");
         const QKeySequence none;
-        QTest::newRow("New") << "mnuFileNew" << "&New" << QKeySequence(Qt::CTRL | Qt::Key_N) << true;
-        QTest::newRow("Save") << "mnuFileSave" << "&Save results..."
-                              << QKeySequence(Qt::CTRL | Qt::Key_S) << false;
-        QTest::newRow("Properties") << "mnuFileProperties" << "Propert&ies" << none << true;
-        QTest::newRow("Print") << "mnuFilePrint" << "&Print results..."
-                               << QKeySequence(Qt::CTRL | Qt::Key_P) << false;
-        QTest::newRow("Exit") << "mnuFileExit" << "E&xit" << QKeySequence(Qt::CTRL | Qt::Key_E)
-                              << true;
-        QTest::newRow("ionic") << "mnusettingis" << "&ionic strength equations" << none << true;
-        QTest::newRow("activity") << "mnusittingac" << "&activity coefficient equations" << none
-                                  << true;
-        QTest::newRow("options") << "mnuoptionoptions" << "&options" << none << true;
-        QTest::newRow("toolbar") << "mnuViewToolbar" << "&Toolbar" << none << true;
-        QTest::newRow("status bar") << "mnuViewStatusBar" << "Status &Bar" << none << true;
-        QTest::newRow("contents") << "mnuhelpcontents" << "&contents" << none << true;
-        QTest::newRow("about") << "mnuHelpAbout" << "&About " << none << true;
+        QTest::newRow("New") << "mnuFileNew"
+                             << "&New" << QKeySequence(Qt::CTRL | Qt::Key_N) << true;
+        QTest::newRow("Save") << "mnuFileSave"
+                              << "&Save results..." << QKeySequence(Qt::CTRL | Qt::Key_S) << false;
+        QTest::newRow("Properties") << "mnuFileProperties"
+                                    << "Propert&ies" << none << true;
+        QTest::newRow("Print") << "mnuFilePrint"
+                               << "&Print results..." << QKeySequence(Qt::CTRL | Qt::Key_P)
+                               << false;
+        QTest::newRow("Exit") << "mnuFileExit"
+                              << "E&xit" << QKeySequence(Qt::CTRL | Qt::Key_E) << true;
+        QTest::newRow("ionic") << "mnusettingis"
+                               << "&ionic strength equations" << none << true;
+        QTest::newRow("activity") << "mnusittingac"
+                                  << "&activity coefficient equations" << none << true;
+        QTest::newRow("options") << "mnuoptionoptions"
+                                 << "&options" << none << true;
+        QTest::newRow("toolbar") << "mnuViewToolbar"
+                                 << "&Toolbar" << none << true;
+        QTest::newRow("status bar") << "mnuViewStatusBar"
+                                    << "Status &Bar" << none << true;
+        QTest::newRow("contents") << "mnuhelpcontents"
+                                  << "&contents" << none << true;
+        QTest::newRow("about") << "mnuHelpAbout"
+                               << "&About " << none << true;
     }
     void menusAtCreation() {
         QFETCH(QString, entry);
@@ -412,6 +434,15 @@ private slots:
         QVERIFY(frmactivity::isLoaded() && frmactivity::instance()->isVisible());
         QVERIFY(!frmactivity::instance()->isModal());
         QVERIFY(rec_->modalDialogs.isEmpty());
+    }
+
+    void propertiesFromTheMenuAndTheToolbar() {
+        m_->mnuFileProperties->trigger();
+        QVERIFY(frmproperties::isLoaded() && frmproperties::instance()->isVisible());
+        QVERIFY(!frmproperties::instance()->isModal());
+        frmproperties::instance()->hide();
+        m_->toolbarButton(7)->trigger();
+        QVERIFY(frmproperties::instance()->isVisible());
     }
 
     void optionsPlacedOnlyOnSmallScreen() {

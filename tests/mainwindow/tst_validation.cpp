@@ -31,7 +31,7 @@ class ValidationTest : public QObject {
     void chooseEquation(const QString& equation) {
         m_->mnusettingis->trigger();
         frmionic* d = frmionic::instance();
-        QRadioButton* option = equation == QLatin1String("lewis")  ? d->optlewis
+        QRadioButton* option = equation == QLatin1String("lewis") ? d->optlewis
                                : equation == QLatin1String("rus") ? d->optrus
                                                                   : d->optlang;
         test::click(option);
@@ -66,12 +66,14 @@ private slots:
     void everyBoxRejectsLetters_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("equation");
-        for (const char* n : {"txtmg", "txtk", "txtna", "txtzn", "txtmn", "txtfe", "txtal",
-                              "txthco3", "txtco3", "txtno2", "txtno3", "txtf", "txtcl", "txtso4",
-                              "txtt", "txtph", "txtalk", "txtca"})
+        for (const char* n :
+             {"txtmg", "txtk", "txtna", "txtzn", "txtmn", "txtfe", "txtal", "txthco3", "txtco3",
+              "txtno2", "txtno3", "txtf", "txtcl", "txtso4", "txtt", "txtph", "txtalk", "txtca"})
             QTest::newRow(n) << n << "lewis";
-        QTest::newRow("txttds") << "txttds" << "lang";
-        QTest::newRow("txtec") << "txtec" << "rus";
+        QTest::newRow("txttds") << "txttds"
+                                << "lang";
+        QTest::newRow("txtec") << "txtec"
+                               << "rus";
     }
     void everyBoxRejectsLetters() {
         QFETCH(QString, name);
@@ -119,13 +121,21 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("left");
         const QString range = QStringLiteral("pH must be a positive number up to 14 .");
-        QTest::newRow("14 accepted") << "14" << "" << "14";
-        QTest::newRow("14.0 accepted") << "14.0" << "" << "14.0";
+        QTest::newRow("14 accepted") << "14"
+                                     << ""
+                                     << "14";
+        QTest::newRow("14.0 accepted") << "14.0"
+                                       << ""
+                                       << "14.0";
         QTest::newRow("14.01 rejected") << "14.01" << range << "";
         QTest::newRow("0 rejected") << "0" << range << "";
         QTest::newRow("15 rejected at the 5") << "15" << range << "";
-        QTest::newRow("7.5 accepted") << "7.5" << "" << "7.5";
-        QTest::newRow("letters") << "ph" << "You must enter a number!" << "";
+        QTest::newRow("7.5 accepted") << "7.5"
+                                      << ""
+                                      << "7.5";
+        QTest::newRow("letters") << "ph"
+                                 << "You must enter a number!"
+                                 << "";
     }
     void phRange() {
         QFETCH(QString, typed);
@@ -145,7 +155,8 @@ private slots:
 
     void codeSettingTheTextRunsTheHandler() {
         m_->txtph->setText(QStringLiteral("20"));
-        QCOMPARE(rec_->texts(), QStringList{QStringLiteral("pH must be a positive number up to 14 .")});
+        QCOMPARE(rec_->texts(),
+                 QStringList{QStringLiteral("pH must be a positive number up to 14 .")});
         QVERIFY(m_->txtph->text().isEmpty());
         m_->txtca->setText(QStringLiteral("80"));
         m_->txtca->setText(QStringLiteral("80")); // same text: no change, no handler

@@ -35,11 +35,10 @@ bool near(double actual, double expected, double relative = 1e-4) {
 }
 
 #define QNEAR(actual, expected)                                                                    \
-    QVERIFY2(near((actual), (expected)),                                                           \
-             qPrintable(QStringLiteral("%1 = %2, expected %3")                                     \
-                            .arg(QLatin1String(#actual))                                           \
-                            .arg((actual), 0, 'g', 10)                                             \
-                            .arg((expected), 0, 'g', 10)))
+    QVERIFY2(near((actual), (expected)), qPrintable(QStringLiteral("%1 = %2, expected %3")         \
+                                                        .arg(QLatin1String(#actual))               \
+                                                        .arg((actual), 0, 'g', 10)                 \
+                                                        .arg((expected), 0, 'g', 10)))
 
 } // namespace
 
@@ -103,8 +102,8 @@ class WorkflowTest : public QObject {
         QCOMPARE(m_->statusText(), workflow::AnalysisDone);
     }
 
-    const QStringList lewisSample = {"txtt=25",  "txtph=7.5", "txtalk=200", "txtca=80",
-                                     "txtmg=24", "txtna=46",  "txtk=3.9",   "txtcl=50",
+    const QStringList lewisSample = {"txtt=25",   "txtph=7.5",   "txtalk=200", "txtca=80",
+                                     "txtmg=24",  "txtna=46",    "txtk=3.9",   "txtcl=50",
                                      "txtso4=60", "txthco3=244", "txtco3=0"};
 
 private slots:
@@ -123,7 +122,8 @@ private slots:
         QTest::addColumn<QStringList>("entries");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("title");
-        const QString tds = QStringLiteral("you Should enter TDS,T,pH,Ca and Alk values at least !");
+        const QString tds =
+            QStringLiteral("you Should enter TDS,T,pH,Ca and Alk values at least !");
         const QString ec = QStringLiteral("you Should enter ec,T,pH,Ca and Alk values at least !");
         const QString lewis = QStringLiteral("you Should enter T,pH,Ca and Alk values at least !");
         const QString alk =
@@ -241,8 +241,8 @@ private slots:
         QVERIFY(!enabledFlag(m_->fraaccuracy));
 
         test::click(m_->cmdaccuracy);
-        const QList<QWidget*> frame = {m_->fraaccuracy, m_->lblsumca, m_->lblsuman,
-                                       m_->lbldiff,     m_->txtsumca, m_->txtsuman, m_->txtdiff};
+        const QList<QWidget*> frame = {m_->fraaccuracy, m_->lblsumca, m_->lblsuman, m_->lbldiff,
+                                       m_->txtsumca,    m_->txtsuman, m_->txtdiff};
         for (QWidget* w : frame)
             QVERIFY(w->isEnabled());
         QCOMPARE(m_->txtsumca->text(), QStringLiteral("8.05603"));
@@ -265,7 +265,8 @@ private slots:
         QCOMPARE(paintedBackColor(m_->cmdaccuracy), QColor(0, 255, 0));
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         QVERIFY(m_->cmdcalc->isEnabled());
-        QCOMPARE(m_->txtsumca->text(), QString::fromStdString(fmt::rounded(theEngine().rec.sumca, 5)));
+        QCOMPARE(m_->txtsumca->text(),
+                 QString::fromStdString(fmt::rounded(theEngine().rec.sumca, 5)));
         QNEAR(m_->txtsumca->text().toDouble(), 6.66412);
         QVERIFY(std::abs(m_->txtdiff->text().toDouble()) < 2);
     }
@@ -450,11 +451,16 @@ private slots:
         QTest::addColumn<QString>("how");
         QTest::addColumn<QString>("optionMessage");
         QTest::addColumn<QString>("failing");
-        QTest::newRow("lone point increment") << "point" << "" << "pH increment";
+        QTest::newRow("lone point increment") << "point"
+                                              << ""
+                                              << "pH increment";
         QTest::newRow("step box emptied by Apply")
-            << "past14" << "Step numbers must be less than 5 , 3 is better." << "number of steps";
+            << "past14"
+            << "Step numbers must be less than 5 , 3 is better."
+            << "number of steps";
         QTest::newRow("empty box after a refused Apply")
-            << "empty" << "you should enter initial pH,pH increment and step numbers values"
+            << "empty"
+            << "you should enter initial pH,pH increment and step numbers values"
             << "start pH";
     }
     void sweepTextsCalculateCannotConvert() {

@@ -74,7 +74,8 @@ private slots:
         QCOMPARE(o->tbsOptions->tabText(0), QStringLiteral("Corrosion indices"));
         QCOMPARE(o->tbsOptions->tabText(1), QStringLiteral("Sweep "));
         QCOMPARE(o->fraSample2->title(), QStringLiteral("Indices :"));
-        QCOMPARE(o->lblindex->text(), QStringLiteral("Please choose corrosion or scaling indices. "));
+        QCOMPARE(o->lblindex->text(),
+                 QStringLiteral("Please choose corrosion or scaling indices. "));
         const std::pair<const char*, const char*> checks[] = {
             {"chkli", "Langelier index (suitable for  6.5< pH<9.5 )"},
             {"chkri", "Ryznar index"},
@@ -94,9 +95,9 @@ private slots:
         QCOMPARE(o->frasweep->title(), QStringLiteral("pH sweep :"));
         QCOMPARE(o->Label3->text(), QStringLiteral("Please choose pH sweep component.  "));
         const std::pair<const char*, const char*> labels[] = {
-            {"lblini", "Start pH         ="},   {"lblstep", "pH increment  ="},
-            {"lblnum", "Step numbers ="},       {"lblini2", "Between 1.0 to 14"},
-            {"lblstep2", "Between 0.1 to 2"},   {"lblnum2", "Between 1 to 140"}};
+            {"lblini", "Start pH         ="}, {"lblstep", "pH increment  ="},
+            {"lblnum", "Step numbers ="},     {"lblini2", "Between 1.0 to 14"},
+            {"lblstep2", "Between 0.1 to 2"}, {"lblnum2", "Between 1 to 140"}};
         for (const auto& [name, caption] : labels) {
             auto* l = o->findChild<QLabel*>(QLatin1String(name));
             QVERIFY2(l, name);
@@ -136,10 +137,9 @@ private slots:
     void sweepCheckBoxEnablesItsControls() {
         frmOptions* o = openOptions();
         fillSweep(o, "7", "0.5", "4");
-        const QList<QWidget*> controls = {o->frasweep, o->txtinitialph, o->txtincrementph,
-                                          o->txtstep,  o->lblini,       o->lblnum,
-                                          o->lblstep,  o->lblini2,      o->lblnum2,
-                                          o->lblstep2};
+        const QList<QWidget*> controls = {
+            o->frasweep, o->txtinitialph, o->txtincrementph, o->txtstep, o->lblini,
+            o->lblnum,   o->lblstep,      o->lblini2,        o->lblnum2, o->lblstep2};
         for (QWidget* w : controls)
             QVERIFY(w->isEnabled());
         test::click(o->chkphsweep);
@@ -160,24 +160,42 @@ private slots:
         const QString steps =
             QStringLiteral("initial pH must be an integer number between 1 to 140 .");
         const QString integer = QStringLiteral("You must enter an integer positive number!");
-        QTest::newRow("start 7.5") << "txtinitialph" << "7.5" << QStringList{} << "7.5";
-        QTest::newRow("start 14") << "txtinitialph" << "14" << QStringList{} << "14";
-        QTest::newRow("start 15") << "txtinitialph" << "15" << QStringList{start} << "";
-        QTest::newRow("start 0") << "txtinitialph" << "0" << QStringList{start} << "";
-        QTest::newRow("start letter") << "txtinitialph" << "a" << QStringList{positive} << "";
-        QTest::newRow("start lone point") << "txtinitialph" << "." << QStringList{positive} << "";
-        QTest::newRow("increment lone point") << "txtincrementph" << "." << QStringList{} << ".";
-        QTest::newRow("increment .5") << "txtincrementph" << ".5" << QStringList{} << ".5";
-        QTest::newRow("increment 0") << "txtincrementph" << "0" << QStringList{} << "0";
-        QTest::newRow("increment 0.05") << "txtincrementph" << "0.05" << QStringList{inc} << "";
-        QTest::newRow("increment 3") << "txtincrementph" << "3" << QStringList{inc} << "";
-        QTest::newRow("increment 2") << "txtincrementph" << "2" << QStringList{} << "2";
-        QTest::newRow("increment minus") << "txtincrementph" << "-" << QStringList{positive} << "";
-        QTest::newRow("steps 140") << "txtstep" << "140" << QStringList{} << "140";
-        QTest::newRow("steps 141") << "txtstep" << "141" << QStringList{steps} << "";
-        QTest::newRow("steps 0") << "txtstep" << "0" << QStringList{steps} << "";
-        QTest::newRow("steps 2.5") << "txtstep" << "2.5" << QStringList{integer} << "";
-        QTest::newRow("steps letter") << "txtstep" << "x" << QStringList{positive} << "";
+        QTest::newRow("start 7.5") << "txtinitialph"
+                                   << "7.5" << QStringList{} << "7.5";
+        QTest::newRow("start 14") << "txtinitialph"
+                                  << "14" << QStringList{} << "14";
+        QTest::newRow("start 15") << "txtinitialph"
+                                  << "15" << QStringList{start} << "";
+        QTest::newRow("start 0") << "txtinitialph"
+                                 << "0" << QStringList{start} << "";
+        QTest::newRow("start letter") << "txtinitialph"
+                                      << "a" << QStringList{positive} << "";
+        QTest::newRow("start lone point") << "txtinitialph"
+                                          << "." << QStringList{positive} << "";
+        QTest::newRow("increment lone point") << "txtincrementph"
+                                              << "." << QStringList{} << ".";
+        QTest::newRow("increment .5") << "txtincrementph"
+                                      << ".5" << QStringList{} << ".5";
+        QTest::newRow("increment 0") << "txtincrementph"
+                                     << "0" << QStringList{} << "0";
+        QTest::newRow("increment 0.05") << "txtincrementph"
+                                        << "0.05" << QStringList{inc} << "";
+        QTest::newRow("increment 3") << "txtincrementph"
+                                     << "3" << QStringList{inc} << "";
+        QTest::newRow("increment 2") << "txtincrementph"
+                                     << "2" << QStringList{} << "2";
+        QTest::newRow("increment minus") << "txtincrementph"
+                                         << "-" << QStringList{positive} << "";
+        QTest::newRow("steps 140") << "txtstep"
+                                   << "140" << QStringList{} << "140";
+        QTest::newRow("steps 141") << "txtstep"
+                                   << "141" << QStringList{steps} << "";
+        QTest::newRow("steps 0") << "txtstep"
+                                 << "0" << QStringList{steps} << "";
+        QTest::newRow("steps 2.5") << "txtstep"
+                                   << "2.5" << QStringList{integer} << "";
+        QTest::newRow("steps letter") << "txtstep"
+                                      << "x" << QStringList{positive} << "";
     }
     void sweepBoxesCheckEveryKeystroke() {
         QFETCH(QString, box);
@@ -221,17 +239,25 @@ private slots:
         QTest::addColumn<QString>("steps");
         QTest::addColumn<QString>("message");
         QTest::addColumn<bool>("stepsCleared");
-        QTest::newRow("7 by 2, 5 steps") << "7" << "2" << "5"
-                                         << "Step numbers must be less than 5 , 3 is better."
-                                         << true;
-        QTest::newRow("1 by 2, 140 steps") << "1" << "2" << "140"
-                                           << "Step numbers must be less than 140 , 6 is better."
-                                           << true;
-        QTest::newRow("start 14") << "14" << "0.5" << "3" << "pH should not be more than 14"
-                                  << false;
+        QTest::newRow("7 by 2, 5 steps")
+            << "7"
+            << "2"
+            << "5"
+            << "Step numbers must be less than 5 , 3 is better." << true;
+        QTest::newRow("1 by 2, 140 steps")
+            << "1"
+            << "2"
+            << "140"
+            << "Step numbers must be less than 140 , 6 is better." << true;
+        QTest::newRow("start 14") << "14"
+                                  << "0.5"
+                                  << "3"
+                                  << "pH should not be more than 14" << false;
         QTest::newRow("empty increment")
-            << "7" << "" << "3" << "you should enter initial pH,pH increment and step numbers values"
-            << false;
+            << "7"
+            << ""
+            << "3"
+            << "you should enter initial pH,pH increment and step numbers values" << false;
     }
     void sweepMessages() {
         QFETCH(QString, start);
@@ -258,14 +284,32 @@ private slots:
         QVERIFY(m_->cmdcalc->isEnabled() && m_->cmdclear->isEnabled() && m_->cmdshow->isEnabled());
     }
 
+    void applyWithALonePointIncrementSaysWhatFailed() {
+        frmOptions* o = openOptions();
+        fillSweep(o, "7", ".", "3");
+        QVERIFY(rec_->messages.isEmpty()); // the box itself lets "." through
+        test::click(o->cmdOK);
+        QCOMPARE(rec_->messages.size(), 1);
+        QVERIFY2(rec_->last().text.startsWith(QStringLiteral("Apply failed: ")) &&
+                     rec_->last().text.contains(QStringLiteral("pH increment")),
+                 qPrintable(rec_->last().text));
+        QCOMPARE(rec_->last().title, QStringLiteral("Velmora"));
+        QVERIFY(o->isVisible());
+        QVERIFY(!m_->cmdread->isEnabled());
+    }
+
     void validSweepBuildsTheList_data() {
         QTest::addColumn<QString>("start");
         QTest::addColumn<QString>("inc");
         QTest::addColumn<int>("steps");
-        QTest::newRow("6.5 by 0.5") << "6.5" << "0.5" << 5;
-        QTest::newRow("ends on 14") << "13" << "1" << 1;
-        QTest::newRow("increment 0") << "8" << "0" << 4;
-        QTest::newRow("140 points") << "1" << "0.1" << 129;
+        QTest::newRow("6.5 by 0.5") << "6.5"
+                                    << "0.5" << 5;
+        QTest::newRow("ends on 14") << "13"
+                                    << "1" << 1;
+        QTest::newRow("increment 0") << "8"
+                                     << "0" << 4;
+        QTest::newRow("140 points") << "1"
+                                    << "0.1" << 129;
     }
     void validSweepBuildsTheList() {
         QFETCH(QString, start);
@@ -447,8 +491,8 @@ private slots:
         frmionic* d = openIonic();
         test::click(d->optlewis);
         test::click(d->cmdOK);
-        type({"txtmg=24", "txtna=14", "txtk=3", "txtf=1", "txtco3=0", "txthco3=244",
-              "txtcl=50", "txtso4=60"});
+        type({"txtmg=24", "txtna=14", "txtk=3", "txtf=1", "txtco3=0", "txthco3=244", "txtcl=50",
+              "txtso4=60"});
         d = openIonic();
         test::click(d->optlang);
         test::click(d->cmdOK);
@@ -487,7 +531,8 @@ private slots:
         test::click(d->cmdOK);
         const EquationFlags& eq = theOptions().equations;
         QVERIFY(eq.blrus && !eq.bllang && !eq.bllewis);
-        for (QPushButton* b : {m_->cmdcalc, m_->cmdclear, m_->cmdshow, m_->cmdread, m_->cmdaccuracy})
+        for (QPushButton* b :
+             {m_->cmdcalc, m_->cmdclear, m_->cmdshow, m_->cmdread, m_->cmdaccuracy})
             QVERIFY2(!b->isEnabled(), qPrintable(b->objectName()));
         QCOMPARE(backColor(m_->cmdaccuracy), vb::ButtonFace);
         QVERIFY(!enabledFlag(m_->fraaccuracy));
@@ -545,7 +590,8 @@ private slots:
         QCOMPARE(frame->title(), QStringLiteral("Activity coefficients :"));
         QCOMPARE(d->findChild<QLabel*>(QStringLiteral("lblactivity"))->text(),
                  QStringLiteral("Please specify activity coefficient  equation"));
-        QCOMPARE(d->optdebye->text(), QStringLiteral("Debye - Huckel                      I<0.005"));
+        QCOMPARE(d->optdebye->text(),
+                 QStringLiteral("Debye - Huckel                      I<0.005"));
         QCOMPARE(d->optgun->text(), QStringLiteral("Guntelberg                             I<0.1"));
         QCOMPARE(d->optedebye->text(), QStringLiteral("Extended Debye - Huckel      I<0.1"));
         QCOMPARE(d->optdavies->text(),

@@ -31,8 +31,8 @@ QSize RecordingPlatform::screenTwips() {
     return {screen.width() * tppX, screen.height() * tppY};
 }
 
-void RecordingPlatform::writeSetting(const QString& app, const QString& section,
-                                     const QString& key, const QString& value) {
+void RecordingPlatform::writeSetting(const QString& app, const QString& section, const QString& key,
+                                     const QString& value) {
     ++settingWrites;
     settings.insert(settingKey(app, section, key), value);
 }

@@ -30,9 +30,9 @@ public:
 
     // --- what was recorded
     QList<Message> messages;
-    QList<QPointer<QDialog>> modalDialogs;     // shown (not executed) by execModal
-    QStringList saveFilters;                   // the filter of every save dialog asked for
-    QMap<QString, QString> settings;           // "app/section/key" -> value
+    QList<QPointer<QDialog>> modalDialogs; // shown (not executed) by execModal
+    QStringList saveFilters;               // the filter of every save dialog asked for
+    QMap<QString, QString> settings;       // "app/section/key" -> value
     int settingWrites = 0;
 
     // --- what it answers
@@ -41,8 +41,8 @@ public:
     QString saveName;           // the file name the save dialog returns (empty: cancelled)
     QSize screen{1024, 768};    // pixels
     int tppX = 15, tppY = 15;
-    QSize twipsOverride;        // when valid, the screen size in twips
-    QDateTime clock;            // fixed; 17 May 2024 10:30:00 unless set
+    QSize twipsOverride; // when valid, the screen size in twips
+    QDateTime clock;     // fixed; 17 May 2024 10:30:00 unless set
 
     // The 800 x 600 screen at 15 twips per pixel.
     void useSmallScreen() { screen = QSize(800, 600); }
