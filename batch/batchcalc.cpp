@@ -9,9 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <iterator>
 #include <new>
+#include <sys/stat.h>
 #include <type_traits>
 #include <unistd.h>
 
@@ -26,13 +26,13 @@ struct Column {
     std::string AnalysisTexts::*box;
 };
 constexpr Column kColumns[] = {
-    {"tds", &AnalysisTexts::tds},   {"ec", &AnalysisTexts::ec},   {"t", &AnalysisTexts::t},
-    {"ph", &AnalysisTexts::ph},     {"alk", &AnalysisTexts::alk}, {"ca", &AnalysisTexts::ca},
-    {"mg", &AnalysisTexts::mg},     {"k", &AnalysisTexts::k},     {"na", &AnalysisTexts::na},
-    {"zn", &AnalysisTexts::zn},     {"mn", &AnalysisTexts::mn},   {"fe", &AnalysisTexts::fe},
-    {"al", &AnalysisTexts::al},     {"hco3", &AnalysisTexts::hco3}, {"co3", &AnalysisTexts::co3},
-    {"no2", &AnalysisTexts::no2},   {"no3", &AnalysisTexts::no3}, {"f", &AnalysisTexts::f},
-    {"cl", &AnalysisTexts::cl},     {"so4", &AnalysisTexts::so4},
+    {"tds", &AnalysisTexts::tds}, {"ec", &AnalysisTexts::ec},     {"t", &AnalysisTexts::t},
+    {"ph", &AnalysisTexts::ph},   {"alk", &AnalysisTexts::alk},   {"ca", &AnalysisTexts::ca},
+    {"mg", &AnalysisTexts::mg},   {"k", &AnalysisTexts::k},       {"na", &AnalysisTexts::na},
+    {"zn", &AnalysisTexts::zn},   {"mn", &AnalysisTexts::mn},     {"fe", &AnalysisTexts::fe},
+    {"al", &AnalysisTexts::al},   {"hco3", &AnalysisTexts::hco3}, {"co3", &AnalysisTexts::co3},
+    {"no2", &AnalysisTexts::no2}, {"no3", &AnalysisTexts::no3},   {"f", &AnalysisTexts::f},
+    {"cl", &AnalysisTexts::cl},   {"so4", &AnalysisTexts::so4},
 };
 constexpr std::size_t kAnalysisColumns = std::size(kColumns);
 constexpr std::size_t kSampleColumn = kAnalysisColumns; // index of "sample" in Calculator::column_
@@ -41,13 +41,13 @@ constexpr std::size_t kPhColumn = 3;
 // Every per-point array of the engine, so that a sample can start from the
 // state of a freshly started program without clearing all 141 elements.
 constexpr PointArray SweepArrays::*kArrays[] = {
-    &SweepArrays::ph,    &SweepArrays::ch,     &SweepArrays::oh,     &SweepArrays::a0,
-    &SweepArrays::a1,    &SweepArrays::a2,     &SweepArrays::ctnum,  &SweepArrays::ctden,
-    &SweepArrays::h2co3, &SweepArrays::hco3,   &SweepArrays::co3,    &SweepArrays::alk,
-    &SweepArrays::alkmg, &SweepArrays::alkeq,  &SweepArrays::alkt,   &SweepArrays::palk,
-    &SweepArrays::phs,   &SweepArrays::pheq,   &SweepArrays::li,     &SweepArrays::ri,
-    &SweepArrays::por,   &SweepArrays::ai,     &SweepArrays::dfi,    &SweepArrays::lr,
-    &SweepArrays::me,    &SweepArrays::sl,     &SweepArrays::co3dfi, &SweepArrays::qb,
+    &SweepArrays::ph,    &SweepArrays::ch,      &SweepArrays::oh,     &SweepArrays::a0,
+    &SweepArrays::a1,    &SweepArrays::a2,      &SweepArrays::ctnum,  &SweepArrays::ctden,
+    &SweepArrays::h2co3, &SweepArrays::hco3,    &SweepArrays::co3,    &SweepArrays::alk,
+    &SweepArrays::alkmg, &SweepArrays::alkeq,   &SweepArrays::alkt,   &SweepArrays::palk,
+    &SweepArrays::phs,   &SweepArrays::pheq,    &SweepArrays::li,     &SweepArrays::ri,
+    &SweepArrays::por,   &SweepArrays::ai,      &SweepArrays::dfi,    &SweepArrays::lr,
+    &SweepArrays::me,    &SweepArrays::sl,      &SweepArrays::co3dfi, &SweepArrays::qb,
     &SweepArrays::qc,    &SweepArrays::hco3meq,
 };
 // ct, qa, clmeq, so4meq, phstart, phincrement, phsteps and ipoint
@@ -72,25 +72,22 @@ std::string_view trim(std::string_view s) {
     return s;
 }
 
-void appendField(std::string& out, std::string_view text) {
+void appendField(OutputBuffer& out, std::string_view text) {
     if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-        out += text;
+        out.append(text);
         return;
     }
-    out += '"';
+    out.append('"');
     for (char c : text) {
-        if (c == '"') out += '"';
-        out += c;
+        if (c == '"') out.append('"');
+        out.append(c);
     }
-    out += '"';
+    out.append('"');
 }
 
-void appendNumber(std::string& out, double x) {
-    char buf[64];
-    out.append(buf, fmt::shortestTo(buf, buf + sizeof buf, x));
+std::string runtimeText(const EngineError& e) {
+    return std::string("run-time error: ") + e.what();
 }
-
-std::string runtimeText(const EngineError& e) { return std::string("run-time error: ") + e.what(); }
 
 // Checks the sweep texts as the Options dialog's boxes and Apply do; the
 // sweep list and start as Apply leaves them.
@@ -224,20 +221,30 @@ Options parseCommandLine(const std::vector<std::string>& args) {
             if (o.output.empty()) throw UsageError("option \"" + arg + "\" needs a file name");
         } else if (name == "ionic") {
             const std::string v = lower(needValue());
-            if (v == "langelier") o.ionic = Options::Ionic::Langelier;
-            else if (v == "russell") o.ionic = Options::Ionic::Russell;
-            else if (v == "lewis") o.ionic = Options::Ionic::Lewis;
-            else throw UsageError("--ionic: unknown equation \"" + value +
-                                  "\" (langelier, russell or lewis)");
+            if (v == "langelier")
+                o.ionic = Options::Ionic::Langelier;
+            else if (v == "russell")
+                o.ionic = Options::Ionic::Russell;
+            else if (v == "lewis")
+                o.ionic = Options::Ionic::Lewis;
+            else
+                throw UsageError("--ionic: unknown equation \"" + value +
+                                 "\" (langelier, russell or lewis)");
         } else if (name == "activity") {
             const std::string v = lower(needValue());
-            if (v == "none") o.activity = Options::Activity::None;
-            else if (v == "limiting") o.activity = Options::Activity::Limiting;
-            else if (v == "extended") o.activity = Options::Activity::Extended;
-            else if (v == "guntelberg") o.activity = Options::Activity::Guntelberg;
-            else if (v == "davies") o.activity = Options::Activity::Davies;
-            else throw UsageError("--activity: unknown equation \"" + value +
-                                  "\" (none, limiting, extended, guntelberg or davies)");
+            if (v == "none")
+                o.activity = Options::Activity::None;
+            else if (v == "limiting")
+                o.activity = Options::Activity::Limiting;
+            else if (v == "extended")
+                o.activity = Options::Activity::Extended;
+            else if (v == "guntelberg")
+                o.activity = Options::Activity::Guntelberg;
+            else if (v == "davies")
+                o.activity = Options::Activity::Davies;
+            else
+                throw UsageError("--activity: unknown equation \"" + value +
+                                 "\" (none, limiting, extended, guntelberg or davies)");
         } else if (name == "larson-skold") {
             noValue();
             o.larsonSkold = true;
@@ -337,7 +344,9 @@ bool CsvReader::fill() {
     return end_ > 0;
 }
 
-void CsvReader::endField() { ends_.push_back(text_.size()); }
+void CsvReader::endField() {
+    ends_.push_back(text_.size());
+}
 
 bool CsvReader::next() {
     text_.clear();
@@ -488,55 +497,63 @@ void Calculator::freshProgram() {
     collector_.messages.clear();
 }
 
-void Calculator::pointRow(std::string_view sample, int point, std::string& out) const {
+void OutputBuffer::grow(std::size_t need) {
+    const std::size_t capacity = std::max(need, 2 * capacity_ + 4096);
+    auto bigger = std::make_unique<char[]>(capacity);
+    if (size_ != 0) std::memcpy(bigger.get(), data_.get(), size_);
+    data_ = std::move(bigger);
+    capacity_ = capacity;
+}
+
+void Calculator::pointRow(std::string_view sample, int point, OutputBuffer& out) const {
     const SweepArrays& s = engine_.sw;
     const AnalysisRecord& r = engine_.rec;
     appendField(out, sample);
-    out += ',';
+    out.append(',');
     char buf[16];
-    out.append(buf, std::to_chars(buf, buf + sizeof buf, point).ptr);
-    const double values[] = {s.ph(point),    s.li(point),  s.ri(point),  s.por(point),
-                             s.ai(point),    s.dfi(point), s.lr(point),  s.me(point),
-                             s.sl(point),    s.phs(point), s.ch(point),  s.oh(point),
-                             s.a0(point),    s.a1(point),  s.a2(point),  s.h2co3(point),
-                             s.hco3(point),  s.co3(point), r.ionic,      r.lanm,
-                             r.land,         r.lant,       s.ct};
+    out.append(std::string_view(
+        buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, point).ptr - buf)));
+    const double values[] = {
+        s.ph(point), s.li(point), s.ri(point), s.por(point),   s.ai(point),   s.dfi(point),
+        s.lr(point), s.me(point), s.sl(point), s.phs(point),   s.ch(point),   s.oh(point),
+        s.a0(point), s.a1(point), s.a2(point), s.h2co3(point), s.hco3(point), s.co3(point),
+        r.ionic,     r.lanm,      r.land,      r.lant,         s.ct};
     for (double v : values) {
-        out += ',';
-        appendNumber(out, v);
+        out.append(',');
+        out.appendNumber(v);
     }
     if (flags_.bllewis) {
         for (double v : {r.sumca, r.suman, r.diff}) {
-            out += ',';
-            appendNumber(out, v);
+            out.append(',');
+            out.appendNumber(v);
         }
-        out += ",\n";
+        out.append(",\n");
     } else {
-        out += ",,,,\n";
+        out.append(",,,,\n");
     }
 }
 
 void Calculator::messageRow(std::string_view sample, const std::string& point,
-                            std::string_view text, bool balance, std::string& out) const {
+                            std::string_view text, bool balance, OutputBuffer& out) const {
     appendField(out, sample);
-    out += ',';
-    out += point;
+    out.append(',');
+    out.append(point);
     out.append(23, ',');
     if (balance) {
         const AnalysisRecord& r = engine_.rec;
         for (double v : {r.sumca, r.suman, r.diff}) {
-            out += ',';
-            appendNumber(out, v);
+            out.append(',');
+            out.appendNumber(v);
         }
     } else {
-        out += ",,,";
+        out.append(",,,");
     }
-    out += ',';
+    out.append(',');
     appendField(out, text);
-    out += '\n';
+    out.append('\n');
 }
 
-bool Calculator::processRecord(const CsvReader& record, std::string& out) {
+bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
     const int sampleField = column_[kSampleColumn];
     const std::string_view sample =
         sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.fieldCount()
@@ -557,8 +574,8 @@ bool Calculator::processRecord(const CsvReader& record, std::string& out) {
     }
     if (record.fieldCount() != fieldCount_) {
         messageRow(sample, "",
-                   line() + ": " + std::to_string(record.fieldCount()) + " fields where the header has " +
-                       std::to_string(fieldCount_),
+                   line() + ": " + std::to_string(record.fieldCount()) +
+                       " fields where the header has " + std::to_string(fieldCount_),
                    false, out);
         return true;
     }
@@ -613,9 +630,8 @@ bool Calculator::processRecord(const CsvReader& record, std::string& out) {
     bool message = false;
     if (outcome.computed) {
         pointRow(sample, 0, out);
-        const int last = outcome.sweepError
-                             ? outcome.sweepErrorPoint - 1
-                             : std::min(outcome.sweepPoints, PointArray::kSize - 1);
+        const int last = outcome.sweepError ? outcome.sweepErrorPoint - 1
+                                            : std::min(outcome.sweepPoints, PointArray::kSize - 1);
         for (int p = 1; p <= last; ++p)
             pointRow(sample, p, out);
         if (outcome.sweepError) {
@@ -641,19 +657,18 @@ int runBatch(const Options& options, ByteSource& in, ByteSink& sink) {
     calc.setHeader(reader);
 
     constexpr std::size_t kFlushAt = 1 << 16;
-    std::string out;
-    out.reserve(kFlushAt + 4096);
-    out += kOutputHeader;
-    out += '\n';
+    OutputBuffer out;
+    out.append(kOutputHeader);
+    out.append('\n');
     int status = 0;
     while (reader.next()) {
         if (calc.processRecord(reader, out)) status = 1;
         if (out.size() >= kFlushAt) {
-            sink.write(out.data(), out.size());
+            sink.write(out.view().data(), out.size());
             out.clear();
         }
     }
-    sink.write(out.data(), out.size());
+    sink.write(out.view().data(), out.size());
     return status;
 }
 
@@ -732,10 +747,9 @@ int commandMain(const std::vector<std::string>& args) {
             output.fd = -1;
             // next to the target, so that the rename stays on one file system
             for (int attempt = 0;; ++attempt) {
-                tempName = target + ".tmp" + std::to_string(::getpid()) + "-" +
-                           std::to_string(attempt);
-                output.fd =
-                    ::open(tempName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+                tempName =
+                    target + ".tmp" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
+                output.fd = ::open(tempName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
                 if (output.fd >= 0) break;
                 const int err = errno;
                 tempName.clear();

@@ -4,10 +4,13 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "engine/numformat.h"
 #include "intake/readdata.h"
 #include "options/optionstate.h"
 
 #include <cstddef>
+#include <cstring>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -29,8 +32,8 @@ struct Options {
     bool larsonSkold = false;
     bool sweep = false;
     std::string sweepStart, sweepIncrement, sweepSteps; // the three box texts
-    std::string input;                                 // empty or "-": standard input
-    std::string output;                                // empty: standard output
+    std::string input;                                  // empty or "-": standard input
+    std::string output;                                 // empty: standard output
     bool help = false;
 };
 
@@ -138,9 +141,46 @@ private:
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false, started_ = false, skipLf_ = false;
     long nextLine_ = 1, line_ = 0;
-    std::string text_;               // field text of the record, fields back to back
+    std::string text_;              // field text of the record, fields back to back
     std::vector<std::size_t> ends_; // end of each field in text_
     bool tooLong_ = false, unterminated_ = false;
+};
+
+// ---------------------------------------------------------------------------
+// Output text built row by row, numbers written straight into it.
+class OutputBuffer {
+public:
+    void append(std::string_view text) {
+        char* p = room(text.size());
+        if (!text.empty()) std::memcpy(p, text.data(), text.size());
+        size_ += text.size();
+    }
+    void append(char c) {
+        *room(1) = c;
+        ++size_;
+    }
+    void append(std::size_t count, char c) {
+        std::memset(room(count), c, count);
+        size_ += count;
+    }
+    // The shortest text that reads back to the same double.
+    void appendNumber(double x) {
+        char* p = room(48);
+        size_ = static_cast<std::size_t>(fmt::shortestTo(p, p + 48, x) - data_.get());
+    }
+    std::string_view view() const { return {data_.get(), size_}; }
+    std::size_t size() const { return size_; }
+    void clear() { size_ = 0; }
+
+private:
+    char* room(std::size_t n) {
+        if (size_ + n > capacity_) grow(size_ + n);
+        return data_.get() + size_;
+    }
+    void grow(std::size_t need);
+
+    std::unique_ptr<char[]> data_;
+    std::size_t size_ = 0, capacity_ = 0;
 };
 
 // ---------------------------------------------------------------------------
@@ -156,7 +196,7 @@ public:
 
     // Computes one record and appends its output rows to `out`. Returns true
     // when a message row was written.
-    bool processRecord(const CsvReader& record, std::string& out);
+    bool processRecord(const CsvReader& record, OutputBuffer& out);
 
 private:
     struct Collector : EngineObserver {
@@ -171,14 +211,14 @@ private:
     };
 
     void freshProgram();
-    void pointRow(std::string_view sample, int point, std::string& out) const;
+    void pointRow(std::string_view sample, int point, OutputBuffer& out) const;
     void messageRow(std::string_view sample, const std::string& point, std::string_view text,
-                    bool balance, std::string& out) const;
+                    bool balance, OutputBuffer& out) const;
 
     Options options_;
-    OptionState applied_; // the options as Apply left them
-    EquationFlags flags_; // the equation flags of this row
-    int touched_ = 1;     // highest point element a row can write
+    OptionState applied_;     // the options as Apply left them
+    EquationFlags flags_;     // the equation flags of this row
+    int touched_ = 1;         // highest point element a row can write
     std::vector<int> column_; // for each analysis column and the sample: its field, or -1
     std::size_t fieldCount_ = 0;
     Engine engine_;

@@ -4,9 +4,9 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 
@@ -29,7 +29,8 @@ Decimal shortestDecimal(double x) {
     d.negative = std::signbit(x);
     if (x == 0) return d;
     char buf[64];
-    const auto r = std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific);
+    const auto r =
+        std::to_chars(buf, buf + sizeof buf, std::fabs(x), std::chars_format::scientific);
     const char* p = buf;
     for (; p != r.ptr && *p != 'e'; ++p)
         if (*p >= '0' && *p <= '9') d.digits.push_back(*p);
@@ -151,7 +152,9 @@ std::string exponentText(const Decimal& d) {
     return s + e;
 }
 
-bool isBlank(char c) { return c == ' ' || c == '\t'; }
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
 // The value of a number matched by the grammar, [sign] mantissa [exponent];
 // nothing when it is out of the range of a double. Values too small to be
@@ -282,8 +285,7 @@ constexpr double kExactPow10[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e
 std::optional<double> valueOf(const Scan& r, std::string_view s) {
     if (r.mantissa == 0 && !r.truncated) return r.negative ? -0.0 : 0.0;
     // a mantissa and a power of ten that are both exact: one rounding, the right one
-    if (!r.truncated && r.mantissa < (std::uint64_t{1} << 53) && r.exp10 >= -22 &&
-        r.exp10 <= 22) {
+    if (!r.truncated && r.mantissa < (std::uint64_t{1} << 53) && r.exp10 >= -22 && r.exp10 <= 22) {
         const auto m = static_cast<double>(r.mantissa);
         const double v = r.exp10 < 0 ? m / kExactPow10[-r.exp10] : m * kExactPow10[r.exp10];
         return r.negative ? -v : v;
@@ -309,7 +311,9 @@ std::string numberText(double x) {
     return plainText(d, true);
 }
 
-std::string rounded(double x, int decimals) { return numberText(roundHalfEven(x, decimals)); }
+std::string rounded(double x, int decimals) {
+    return numberText(roundHalfEven(x, decimals));
+}
 
 std::string scientific(double x) {
     if (std::isnan(x)) return "NaN";
@@ -362,11 +366,15 @@ constexpr std::uint64_t kCMin = std::uint64_t{1} << 52;
 constexpr int kQMin = -1074;
 constexpr std::uint64_t kMask63 = (std::uint64_t{1} << 63) - 1;
 
-int floorLog10Pow2(int e) { return static_cast<int>((e * 661971961083LL) >> 41); }
+int floorLog10Pow2(int e) {
+    return static_cast<int>((e * 661971961083LL) >> 41);
+}
 int floorLog10ThreeQuartersPow2(int e) {
     return static_cast<int>((e * 661971961083LL - 274743187321LL) >> 41);
 }
-int floorLog2Pow10(int e) { return static_cast<int>((e * 913124641741LL) >> 38); }
+int floorLog2Pow10(int e) {
+    return static_cast<int>((e * 913124641741LL) >> 38);
+}
 
 std::uint64_t mulHigh(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>((static_cast<u128>(a) * b) >> 64);
@@ -408,22 +416,25 @@ ShortestDigits shortestDigits(int q, std::uint64_t c) {
     const std::uint64_t vbl = roundToOdd(g[0], g[1], cbl << h);
     const std::uint64_t vbr = roundToOdd(g[0], g[1], cbr << h);
 
+    // s or s + 1, or one digit fewer when exactly one of the two multiples of
+    // ten around s reads back; chosen without branches, which would mispredict
     const std::uint64_t s = vb >> 2;
-    if (s >= 10) {
-        // one digit fewer, when exactly one of its two candidates reads back
-        const std::uint64_t sp10 = 10 * (s / 10);
-        const std::uint64_t tp10 = sp10 + 10;
-        const bool upin = vbl + out <= sp10 << 2;
-        const bool wpin = (tp10 << 2) + out <= vbr;
-        if (upin != wpin) return {upin ? sp10 : tp10, k};
-    }
+    const std::uint64_t sp10 = 10 * (s / 10);
+    const std::uint64_t tp10 = sp10 + 10;
+    const bool upin = vbl + out <= sp10 << 2;
+    const bool wpin = (tp10 << 2) + out <= vbr;
+    const bool shorter = s >= 10 && upin != wpin;
+
     const std::uint64_t t = s + 1;
     const bool uin = vbl + out <= s << 2;
     const bool win = (t << 2) + out <= vbr;
-    if (uin != win) return {uin ? s : t, k};
     // both read back: the nearer, the even one on a tie
     const std::int64_t cmp = static_cast<std::int64_t>(vb - ((s + t) << 1));
-    return {cmp < 0 || (cmp == 0 && (s & 1) == 0) ? s : t, k};
+    const bool pickT = uin != win ? win : (cmp > 0 || (cmp == 0 && (s & 1) != 0));
+
+    const std::uint64_t shortDigits = (upin ? sp10 : tp10) / 10;
+    const std::uint64_t longDigits = s + pickT;
+    return {shorter ? shortDigits : longDigits, k + shorter};
 }
 
 // The shortest digits of a finite nonzero |x| given its bits, without trailing zeros.
@@ -449,11 +460,14 @@ ShortestDigits shortestOf(std::uint64_t bits) {
     return d;
 }
 
-constexpr char kTwoDigits[] = "00010203040506070809101112131415161718192021222324252627282930313233343536"
-                              "37383940414243444546474849505152535455565758596061626364656667686970717273"
-                              "7475767778798081828384858687888990919293949596979899";
+constexpr char kTwoDigits[] =
+    "00010203040506070809101112131415161718192021222324252627282930313233343536"
+    "37383940414243444546474849505152535455565758596061626364656667686970717273"
+    "7475767778798081828384858687888990919293949596979899";
 
-void write2(char* p, std::uint32_t v) { std::memcpy(p, kTwoDigits + 2 * v, 2); }
+void write2(char* p, std::uint32_t v) {
+    std::memcpy(p, kTwoDigits + 2 * v, 2);
+}
 
 // The eight digits of x < 10^8, zero-padded, four lanes at a time, as they
 // lie in memory on a little-endian machine.
@@ -649,7 +663,9 @@ double leadingNumber(std::string_view text) {
     return r.negative ? -HUGE_VAL : HUGE_VAL;
 }
 
-bool isNumber(std::string_view text) { return strictNumber(text).has_value(); }
+bool isNumber(std::string_view text) {
+    return strictNumber(text).has_value();
+}
 
 std::optional<double> strictNumber(std::string_view text) {
     while (!text.empty() && isBlank(text.front()))

@@ -30,16 +30,16 @@ double value(const std::string& text, const char* box) {
     const double v = fmt::leadingNumber(text);
     if (!std::isfinite(v))
         throw EngineError(EngineError::Kind::Overflow,
-                          std::string(EngineError::kindText(EngineError::Kind::Overflow)) +
-                              " in " + box);
+                          std::string(EngineError::kindText(EngineError::Kind::Overflow)) + " in " +
+                              box);
     return v;
 }
 
 double finite(double v, const char* what) {
     if (!std::isfinite(v))
         throw EngineError(EngineError::Kind::Overflow,
-                          std::string(EngineError::kindText(EngineError::Kind::Overflow)) +
-                              " in " + what);
+                          std::string(EngineError::kindText(EngineError::Kind::Overflow)) + " in " +
+                              what);
     return v;
 }
 
@@ -102,8 +102,8 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlag
     engine.ionbalance(flags, windowInputs(b));
 
     ReadDataResult result;
-    result.outcome = r.accuracyok ? ReadDataResult::Outcome::Accepted
-                                  : ReadDataResult::Outcome::Rejected;
+    result.outcome =
+        r.accuracyok ? ReadDataResult::Outcome::Accepted : ReadDataResult::Outcome::Rejected;
     return result;
 }
 

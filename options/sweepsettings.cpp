@@ -15,9 +15,9 @@ constexpr const char* kNotPositive = "You must enter a positive number!";
 double strict(std::string_view text, const char* box) {
     const auto v = fmt::strictNumber(text);
     if (!v)
-        throw EngineError(EngineError::Kind::BadConversion,
-                          std::string("the ") + box + " \"" + std::string(text) +
-                              "\" is not a number");
+        throw EngineError(EngineError::Kind::BadConversion, std::string("the ") + box + " \"" +
+                                                                std::string(text) +
+                                                                "\" is not a number");
     return *v;
 }
 

@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -153,9 +157,9 @@ TEST(NumFormat, PrintNum) {
 }
 
 TEST(NumFormat, ShortestReadsBack) {
-    const std::vector<double> values = {0.1,     1.0 / 3, -2.5,    1e-5, 123456789.123,
-                                        7.25941, 1e300,   5e-324,  -0.0, 0.0,
-                                        2.23665e-4, 0.630957344480193};
+    const std::vector<double> values = {0.1,           1.0 / 3, -2.5,       1e-5,
+                                        123456789.123, 7.25941, 1e300,      5e-324,
+                                        -0.0,          0.0,     2.23665e-4, 0.630957344480193};
     for (double v : values) {
         const std::string s = fmt::shortest(v);
         SCOPED_TRACE(s);
@@ -167,6 +171,74 @@ TEST(NumFormat, ShortestReadsBack) {
     EXPECT_EQ(fmt::shortest(0.1), "0.1");
     EXPECT_EQ(fmt::shortest(-2.5), "-2.5");
     EXPECT_EQ(fmt::shortest(200), "200");
+}
+
+// The shortest text is computed by the program itself; it must agree with
+// the standard library's to_chars character for character.
+TEST(NumFormat, ShortestAgreesWithToChars) {
+    std::mt19937_64 random(12345);
+    std::uniform_real_distribution<double> exponent(-20, 20);
+    std::vector<double> values;
+    for (int i = 0; i < 200000; ++i) {
+        std::uint64_t bits = random();
+        double x;
+        std::memcpy(&x, &bits, sizeof x);
+        if (std::isfinite(x)) values.push_back(x);
+        const double y = std::pow(10.0, exponent(random));
+        values.push_back(y);
+        values.push_back(std::round(y));
+        values.push_back(std::round(y * 1000) / 1000);
+    }
+    for (int e = -1074; e <= 1023; ++e) { // powers of two and their neighbours
+        const double p = std::ldexp(1.0, e);
+        values.insert(values.end(), {p, std::nextafter(p, 0.0), std::nextafter(p, HUGE_VAL)});
+    }
+    for (int i = 0; i < 1000; ++i) // integers, tenths, small subnormals
+        values.insert(values.end(), {double(i), i / 10.0, i * 5e-324, i * 1e15});
+    values.insert(values.end(), {0.0, -0.0, std::numeric_limits<double>::max(),
+                                 std::numeric_limits<double>::min(), 2.2250738585072009e-308});
+    int mismatches = 0;
+    for (double v : values) {
+        char expected[64];
+        const auto end = std::to_chars(expected, expected + sizeof expected, v).ptr;
+        const std::string mine = fmt::shortest(v);
+        if (mine != std::string(expected, end) && ++mismatches <= 10)
+            ADD_FAILURE() << std::string(expected, end) << " written as " << mine;
+        const auto back = fmt::strictNumber(mine);
+        if (!back || *back != v) ADD_FAILURE() << mine << " does not read back";
+    }
+    EXPECT_EQ(mismatches, 0);
+}
+
+// The quick conversion of short numbers must give the correctly rounded value.
+TEST(NumFormat, StrictNumberAgreesWithFromChars) {
+    std::mt19937_64 random(777);
+    for (int i = 0; i < 200000; ++i) {
+        std::string text;
+        const int whole = static_cast<int>(random() % 22),
+                  fraction = static_cast<int>(random() % 22);
+        for (int k = 0; k < whole; ++k)
+            text += static_cast<char>('0' + random() % 10);
+        if (random() % 2) {
+            text += '.';
+            for (int k = 0; k < fraction; ++k)
+                text += static_cast<char>('0' + random() % 10);
+        }
+        if (random() % 3 == 0) {
+            text += 'e';
+            text += std::to_string(static_cast<int>(random() % 60) - 30);
+        }
+        double expected = 0;
+        const auto r = std::from_chars(text.data(), text.data() + text.size(), expected);
+        const auto mine = fmt::strictNumber(text);
+        if (r.ec != std::errc() || r.ptr != text.data() + text.size()) {
+            EXPECT_FALSE(mine.has_value()) << text;
+            continue;
+        }
+        ASSERT_TRUE(mine.has_value()) << text;
+        ASSERT_EQ(*mine, expected) << text;
+        ASSERT_EQ(fmt::leadingNumber(text), expected) << text;
+    }
 }
 
 struct LeadingCase {
@@ -200,8 +272,9 @@ TEST(NumFormat, LeadingNumber) {
         {"trailing_point", "5.", 5},
         {"comma_is_not_a_separator", "1,5", 1},
         {"underflow_reads_zero", "1e-400", 0},
-        {"long_text", "000000000000000000000000000000000000000000000000000000000000000000000000000"
-                      "00000000000000000000000000000000000000000000000000000000000000000000012.5",
+        {"long_text",
+         "000000000000000000000000000000000000000000000000000000000000000000000000000"
+         "00000000000000000000000000000000000000000000000000000000000000000000012.5",
          12.5},
     };
     for (const auto& c : cases) {

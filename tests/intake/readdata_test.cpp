@@ -65,9 +65,9 @@ EquationFlags lewis() {
 
 // Marks every entered field so that a test can tell what Read Data wrote.
 void poison(AnalysisRecord& r) {
-    for (double* p : {&r.tds, &r.ec, &r.ec100, &r.temp, &r.tk, &r.alkin, &r.ca, &r.mg, &r.k,
-                      &r.na, &r.zn, &r.mn, &r.fe, &r.al, &r.hco3in, &r.co3in, &r.no2, &r.no3,
-                      &r.f, &r.cl, &r.so4})
+    for (double* p : {&r.tds,    &r.ec,    &r.ec100, &r.temp, &r.tk, &r.alkin, &r.ca,
+                      &r.mg,     &r.k,     &r.na,    &r.zn,   &r.mn, &r.fe,    &r.al,
+                      &r.hco3in, &r.co3in, &r.no2,   &r.no3,  &r.f,  &r.cl,    &r.so4})
         *p = -99;
 }
 
@@ -143,8 +143,8 @@ TEST_F(ReadData, RussellWithoutConductivityStoresNothing) {
     EquationFlags flags = russell();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.messageText, kEcMessage);
-    for (double v : {engine.rec.ec, engine.rec.ec100, engine.rec.temp, engine.rec.tk,
-                     engine.rec.ca, engine.rec.alkin, engine.rec.tds})
+    for (double v : {engine.rec.ec, engine.rec.ec100, engine.rec.temp, engine.rec.tk, engine.rec.ca,
+                     engine.rec.alkin, engine.rec.tds})
         EXPECT_EQ(v, -99);
 }
 

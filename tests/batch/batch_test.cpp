@@ -1,0 +1,751 @@
+#include "batch/batchcalc.h"
+
+#include "engine/numformat.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <dirent.h>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace velmora;
+using namespace velmora::batch;
+
+namespace {
+
+using Rows = std::vector<std::vector<std::string>>;
+
+// Every record of a CSV text, read in pieces of `piece` bytes.
+Rows readAll(const std::string& text, std::size_t piece = 1 << 16) {
+    StringSource source(text, piece);
+    CsvReader reader(source);
+    Rows rows;
+    while (reader.next()) {
+        std::vector<std::string> fields;
+        for (std::size_t i = 0; i < reader.fieldCount(); ++i)
+            fields.emplace_back(reader.field(i));
+        rows.push_back(std::move(fields));
+    }
+    return rows;
+}
+
+struct Result {
+    int status = -1;
+    std::string text;
+    Rows rows; // the output without its header
+};
+
+Result calc(const std::string& input, const std::vector<std::string>& args = {},
+            std::size_t piece = 1 << 16) {
+    const Options options = parseCommandLine(args);
+    StringSource source(input, piece);
+    StringSink sink;
+    Result r;
+    r.status = runBatch(options, source, sink);
+    r.text = sink.text;
+    r.rows = readAll(sink.text);
+    EXPECT_FALSE(r.rows.empty());
+    if (!r.rows.empty()) r.rows.erase(r.rows.begin());
+    return r;
+}
+
+// Output columns by name.
+enum Col {
+    kSample = 0,
+    kPoint = 1,
+    kPh = 2,
+    kLi = 3,
+    kRi = 4,
+    kPor = 5,
+    kAi = 6,
+    kDfi = 7,
+    kLr = 8,
+    kMe = 9,
+    kSl = 10,
+    kPhs = 11,
+    kH2co3 = 17,
+    kHco3 = 18,
+    kCo3 = 19,
+    kIonic = 20,
+    kLanm = 21,
+    kLand = 22,
+    kCt = 24,
+    kSumca = 25,
+    kSuman = 26,
+    kDiff = 27,
+    kMessage = 28,
+    kColumns = 29,
+};
+
+double num(const std::string& cell) {
+    const auto v = fmt::strictNumber(cell);
+    EXPECT_TRUE(v.has_value()) << "not a number: \"" << cell << "\"";
+    return v.value_or(0);
+}
+
+bool numbersEmpty(const std::vector<std::string>& row) {
+    for (int c = kPh; c <= kCt; ++c)
+        if (!row[c].empty()) return false;
+    return true;
+}
+
+const std::string kHeader = "sample,t,ph,alk,ca,tds,mg,cl,so4\n";
+const std::string kWorked = "worked,25,7.5,200,80,400,24,50,60\n";
+
+const char* kTdsMessage = "you Should enter TDS,T,pH,Ca and Alk values at least !";
+
+// ---------------------------------------------------------------------------
+// Reading CSV
+
+struct ReadCase {
+    const char* name;
+    std::string text;
+    Rows expected;
+};
+
+TEST(CsvReading, RecordsAndFields) {
+    const std::vector<ReadCase> cases = {
+        {"plain_lf", "a,b\n1,2\n", {{"a", "b"}, {"1", "2"}}},
+        {"crlf", "a,b\r\n1,2\r\n", {{"a", "b"}, {"1", "2"}}},
+        {"lone_cr", "a,b\r1,2\r", {{"a", "b"}, {"1", "2"}}},
+        {"no_final_line_end", "a,b\n1,2", {{"a", "b"}, {"1", "2"}}},
+        {"byte_order_mark",
+         "\xEF\xBB\xBF"
+         "a,b\n1,2\n",
+         {{"a", "b"}, {"1", "2"}}},
+        {"blank_lines_skipped", "\n\na,b\r\n\r\n\n1,2\n\n", {{"a", "b"}, {"1", "2"}}},
+        {"empty_fields", ",\n,,x\n", {{"", ""}, {"", "", "x"}}},
+        {"quoted_comma", "\"a,b\",c\n", {{"a,b", "c"}}},
+        {"doubled_quote", "\"say \"\"hi\"\"\",x\n", {{"say \"hi\"", "x"}}},
+        {"quoted_line_ends", "\"two\r\nlines\",\"and\nmore\"\n", {{"two\r\nlines", "and\nmore"}}},
+        {"quoted_empty", "\"\",\"\"\n", {{"", ""}}},
+        {"quote_inside_unquoted", "ab\"c,d\n", {{"ab\"c", "d"}}},
+        {"text_after_closing_quote", "\"ab\"cd,e\n", {{"abcd", "e"}}},
+        {"blanks_kept", " 7.5 , x\n", {{" 7.5 ", " x"}}},
+        {"bom_only_at_start",
+         "a\n\xEF\xBB\xBF"
+         "b\n",
+         {{"a"},
+          {"\xEF\xBB\xBF"
+           "b"}}},
+    };
+    for (const auto& c : cases) {
+        for (std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{3}, std::size_t{7},
+                                  std::size_t{1} << 16}) {
+            SCOPED_TRACE(std::string(c.name) + " in pieces of " + std::to_string(piece));
+            EXPECT_EQ(readAll(c.text, piece), c.expected);
+        }
+    }
+}
+
+TEST(CsvReading, LineNumbersAndUnterminatedQuote) {
+    StringSource source("h\n\n\"a\nb\"\nc\n\"open\nrest");
+    CsvReader reader(source);
+    std::vector<long> lines;
+    bool unterminated = false;
+    while (reader.next()) {
+        lines.push_back(reader.line());
+        unterminated = reader.unterminated();
+    }
+    EXPECT_EQ(lines, (std::vector<long>{1, 3, 5, 6}));
+    EXPECT_TRUE(unterminated);
+}
+
+TEST(CsvReading, LongRecordIsCutAndFlagged) {
+    std::string text = "a\n" + std::string(CsvReader::kMaxRecord + 10, 'x') + "\nb\n";
+    StringSource source(text);
+    CsvReader reader(source);
+    ASSERT_TRUE(reader.next());
+    EXPECT_FALSE(reader.tooLong());
+    ASSERT_TRUE(reader.next());
+    EXPECT_TRUE(reader.tooLong());
+    EXPECT_EQ(reader.field(0).size(), CsvReader::kMaxRecord);
+    ASSERT_TRUE(reader.next());
+    EXPECT_FALSE(reader.tooLong());
+    EXPECT_EQ(reader.field(0), "b");
+}
+
+// ---------------------------------------------------------------------------
+// Header
+
+struct HeaderCase {
+    const char* name;
+    std::string header;
+    const char* inMessage; // nullptr: accepted
+};
+
+TEST(BatchHeader, ColumnNames) {
+    const std::vector<HeaderCase> cases = {
+        {"any_order_any_case_trimmed", " PH ,Ca,  t,ALK,tds,Sample\n", nullptr},
+        {"every_column",
+         "tds,ec,t,ph,alk,ca,mg,k,na,zn,mn,fe,al,hco3,co3,no2,no3,f,cl,so4,sample\n", nullptr},
+        {"unknown", "t,ph,calcium\n", "unknown column \"calcium\""},
+        {"box_name_with_txt", "txtca\n", "unknown column \"txtca\""},
+        {"empty_name", "t,,ph\n", "unknown column \"\""},
+        {"repeated", "ca,t,CA \n", "column \"CA\" appears twice"},
+        {"repeated_sample", "sample,ph,sample\n", "column \"sample\" appears twice"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        StringSource source(c.header);
+        StringSink sink;
+        if (c.inMessage) {
+            try {
+                runBatch(Options{}, source, sink);
+                ADD_FAILURE() << "expected a usage error";
+            } catch (const UsageError& e) {
+                EXPECT_NE(std::string(e.what()).find(c.inMessage), std::string::npos) << e.what();
+            }
+        } else {
+            EXPECT_EQ(runBatch(Options{}, source, sink), 0);
+            EXPECT_EQ(sink.text, std::string(kOutputHeader) + "\n");
+        }
+    }
+}
+
+TEST(BatchHeader, EmptyInputHasNoHeader) {
+    for (const char* text : {"", "\n\r\n\n", "\xEF\xBB\xBF"}) {
+        StringSource source(text);
+        StringSink sink;
+        EXPECT_THROW(runBatch(Options{}, source, sink), UsageError);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Rows
+
+TEST(BatchRows, WorkedSampleAtTheMeasuredPoint) {
+    const Result r = calc(kHeader + kWorked);
+    EXPECT_EQ(r.status, 0);
+    ASSERT_EQ(r.rows.size(), 1u);
+    const auto& row = r.rows[0];
+    ASSERT_EQ(row.size(), static_cast<std::size_t>(kColumns));
+    EXPECT_EQ(row[kSample], "worked");
+    EXPECT_EQ(row[kPoint], "0");
+    EXPECT_EQ(num(row[kPh]), 7.5);
+    EXPECT_NEAR(num(row[kLi]), 0.24059, 1e-5);
+    EXPECT_NEAR(num(row[kRi]), 7.01882, 1e-5);
+    EXPECT_NEAR(num(row[kPor]), 6.60781, 1e-5);
+    EXPECT_NEAR(num(row[kAi]), 12.10119, 1e-5);
+    EXPECT_NEAR(num(row[kDfi]), 0.771772, 1e-6);
+    EXPECT_NEAR(num(row[kMe]), 3.2734e-6, 1e-10);
+    EXPECT_NEAR(num(row[kSl]), 0.368698, 1e-6);
+    EXPECT_NEAR(num(row[kPhs]), 7.25941, 1e-5);
+    EXPECT_NEAR(num(row[kH2co3]), 2.23665e-4, 1e-9);
+    EXPECT_NEAR(num(row[kCo3]), 9.32391e-6, 1e-11);
+    EXPECT_EQ(num(row[kIonic]), 0.01);
+    EXPECT_NEAR(num(row[kLanm]), 0.891251, 1e-6);
+    EXPECT_NEAR(num(row[kCt]), 0.00421, 1e-5);
+    // without the Larson-Skold index, Langelier does not read chloride and sulphate
+    EXPECT_EQ(num(row[kLr]), 0);
+    // no ion balance with the Langelier equation
+    EXPECT_EQ(row[kSumca], "");
+    EXPECT_EQ(row[kSuman], "");
+    EXPECT_EQ(row[kDiff], "");
+    EXPECT_EQ(row[kMessage], "");
+}
+
+TEST(BatchRows, NumbersAreTheShortestTextThatReadsBack) {
+    const Result r = calc(kHeader + kWorked, {"--sweep", "6.5,0.5,5"});
+    ASSERT_EQ(r.rows.size(), 6u);
+    for (const auto& row : r.rows) {
+        for (int c = kPh; c <= kCt; ++c) {
+            const std::string& cell = row[c];
+            char buf[64];
+            const auto end = std::to_chars(buf, buf + sizeof buf, num(cell)).ptr;
+            EXPECT_EQ(std::string(buf, end), cell) << "column " << c;
+        }
+    }
+}
+
+TEST(BatchRows, LarsonSkoldReadsChlorideAndSulphate) {
+    const Result r = calc(kHeader + kWorked, {"--larson-skold"});
+    ASSERT_EQ(r.rows.size(), 1u);
+    EXPECT_NEAR(num(r.rows[0][kLr]), 0.668661, 1e-6);
+}
+
+TEST(BatchRows, SweepRowsFollowTheMeasuredPoint) {
+    const Result r = calc(kHeader + kWorked, {"--sweep", "6.5,0.5,5"});
+    EXPECT_EQ(r.status, 0);
+    ASSERT_EQ(r.rows.size(), 6u);
+    const double ph[] = {7.5, 6.5, 7.0, 7.5, 8.0, 8.5};
+    for (int p = 0; p < 6; ++p) {
+        EXPECT_EQ(r.rows[p][kPoint], std::to_string(p));
+        EXPECT_EQ(num(r.rows[p][kPh]), ph[p]);
+        EXPECT_NEAR(num(r.rows[p][kCt]), 0.00421, 1e-5);
+    }
+    EXPECT_NEAR(num(r.rows[2][kLi]), -0.30747, 1e-5); // pH 7.0
+    EXPECT_NEAR(num(r.rows[2][kMe]), -3.38209e-6, 1e-10);
+    // the measured point survives the sweep in element 0
+    EXPECT_EQ(r.rows[0][kLi], r.rows[3][kLi]);
+}
+
+TEST(BatchRows, SweepToNine) {
+    const Result r = calc(kHeader + kWorked, {"--sweep=9,0.5,1"});
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_NEAR(num(r.rows[1][kLi]), 1.79247, 1e-5);
+    EXPECT_NEAR(num(r.rows[1][kMe]), 2.82893e-4, 1e-9);
+}
+
+TEST(BatchRows, ACompleteSweepOf140PointsShowsNothingAtTheEnd) {
+    const Result r = calc(kHeader + kWorked, {"--sweep", "7,0,140"});
+    EXPECT_EQ(r.status, 0);
+    ASSERT_EQ(r.rows.size(), 141u);
+    EXPECT_EQ(r.rows[140][kPoint], "140");
+    EXPECT_EQ(num(r.rows[140][kPh]), 7);
+    for (const auto& row : r.rows)
+        EXPECT_EQ(row[kMessage], "");
+}
+
+struct MessageCase {
+    const char* name;
+    std::vector<std::string> args;
+    std::string input;
+    const char* message;
+    const char* point; // "" for a failure while reading
+};
+
+TEST(BatchRows, MessageRows) {
+    const std::string russellHeader = "sample,t,ph,alk,ca,ec\n";
+    const std::vector<MessageCase> cases = {
+        {"bad_cell", {}, kHeader + "s,25,7.5,200,x,400,,,\n", "ca: You must enter a number!", ""},
+        {"ph_out_of_range",
+         {},
+         kHeader + "s,25,14.5,200,80,400,,,\n",
+         "ph: pH must be a positive number up to 14 .",
+         ""},
+        {"ph_zero",
+         {},
+         kHeader + "s,25,0,200,80,400,,,\n",
+         "ph: pH must be a positive number up to 14 .",
+         ""},
+        {"out_of_range_number",
+         {},
+         kHeader + "s,25,7.5,1e400,80,400,,,\n",
+         "alk: You must enter a number!",
+         ""},
+        {"lone_point",
+         {},
+         kHeader + "s,25,7.5,200,80,400,.,,\n",
+         "mg: You must enter a number!",
+         ""},
+        // the first bad cell in the order tds, ec, t, ph, alk, ca, mg, ... reports
+        {"first_bad_cell_in_column_order",
+         {},
+         kHeader + "s,25,20,200,x,abc,,,\n",
+         "tds: You must enter a number!",
+         ""},
+        {"ph_before_calcium",
+         {},
+         kHeader + "s,25,20,200,x,400,,,\n",
+         "ph: pH must be a positive number up to 14 .",
+         ""},
+        {"temperature_missing", {}, kHeader + "s,,7.5,200,80,400,,,\n", kTdsMessage, ""},
+        {"alkalinity_missing_langelier", {}, kHeader + "s,25,7.5,,80,400,,,\n", kTdsMessage, ""},
+        {"alkalinity_missing_russell",
+         {"--ionic", "russell"},
+         russellHeader + "s,25,7.5,,80,60\n",
+         "you Should enter TDS,T,pH,Ca and Alk values at least ! !",
+         ""},
+        {"conductivity_missing",
+         {"--ionic=russell"},
+         russellHeader + "s,25,7.5,200,80,\n",
+         "you Should enter ec,T,pH,Ca and Alk values at least !",
+         ""},
+        {"lewis_missing",
+         {"--ionic", "lewis"},
+         kHeader + "s,25,,200,80,400,,,\n",
+         "you Should enter T,pH,Ca and Alk values at least !",
+         ""},
+        // Russell does not check the pH; Calculate does
+        {"calculate_without_ph",
+         {"--ionic", "russell"},
+         russellHeader + "s,25,,200,80,60\n",
+         "you Should enter TDS,T,pH,Mg,Ca and Alk values at least !",
+         ""},
+        {"zero_calcium",
+         {},
+         kHeader + "s,25,7.5,200,0,400,,,\n",
+         "run-time error: logarithm of a non-positive number",
+         "0"},
+        {"zero_alkalinity",
+         {},
+         kHeader + "s,25,7.5,0,80,400,,,\n",
+         "run-time error: logarithm of a non-positive number",
+         "0"},
+        {"negative_ionic_strength",
+         {},
+         kHeader + "s,25,7.5,200,80,-400,,,\n",
+         "run-time error: square root of a negative number",
+         ""},
+        {"wrong_field_count",
+         {},
+         kHeader + "s,25,7.5\n",
+         "line 2: 3 fields where the header has 9",
+         ""},
+        {"unterminated_quote",
+         {},
+         kHeader + "\"s,25,7.5,200,80,400,,,\n",
+         "line 2: a quoted field is not closed",
+         ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Result r = calc(c.input, c.args);
+        EXPECT_EQ(r.status, 1);
+        ASSERT_EQ(r.rows.size(), 1u) << r.text;
+        const auto& row = r.rows[0];
+        ASSERT_EQ(row.size(), static_cast<std::size_t>(kColumns));
+        EXPECT_EQ(row[kMessage].rfind(c.message, 0), 0u) << row[kMessage];
+        EXPECT_EQ(row[kPoint], c.point);
+        EXPECT_TRUE(numbersEmpty(row));
+        EXPECT_EQ(row[kSumca], "");
+    }
+}
+
+TEST(BatchRows, UnacceptableAnalysisKeepsTheSums) {
+    const std::string input = "sample,t,ph,alk,ca,mg,na,k,cl,so4,hco3,co3\n"
+                              "ion balance,25,7.5,200,80,24,46,3.9,50,60,244,0\n";
+    const Result r = calc(input, {"--ionic", "lewis"});
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 1u);
+    const auto& row = r.rows[0];
+    EXPECT_EQ(row[kMessage], "water analysis is unacceptable");
+    EXPECT_EQ(row[kPoint], "");
+    EXPECT_TRUE(numbersEmpty(row));
+    EXPECT_NEAR(num(row[kSumca]), 8.05603, 1e-5);
+    EXPECT_NEAR(num(row[kSuman]), 6.65952, 1e-5);
+    EXPECT_NEAR(num(row[kDiff]), 9.48998, 1e-5);
+}
+
+TEST(BatchRows, AcceptedLewisRowsCarryTheSums) {
+    // 1 meq/L each of calcium and sodium against 1 meq/L each of chloride and bicarbonate
+    const std::string input = "sample,t,ph,alk,ca,na,cl,hco3,co3\n"
+                              "balanced,25,7,50,20.1,22.99,35.453,61,0\n";
+    const Result r = calc(input, {"--ionic", "lewis"});
+    EXPECT_EQ(r.status, 0) << r.text;
+    ASSERT_EQ(r.rows.size(), 1u);
+    EXPECT_EQ(r.rows[0][kMessage], "");
+    EXPECT_FALSE(r.rows[0][kSumca].empty());
+    EXPECT_FALSE(r.rows[0][kDiff].empty());
+}
+
+TEST(BatchRows, SweepFailingMidwayReportsItsPoint) {
+    // a measured pH of 13 with little alkalinity leaves a negative carbonate
+    // total; at pH 11 the alkalinity of the point is negative
+    const std::string input = "sample,t,ph,alk,ca,tds\nhigh,25,13,10,80,400\n";
+    const Result r = calc(input, {"--sweep", "13,-1,5"});
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 3u) << r.text;
+    EXPECT_EQ(r.rows[0][kPoint], "0");
+    EXPECT_EQ(r.rows[1][kPoint], "1");
+    EXPECT_EQ(r.rows[1][kMessage], "");
+    EXPECT_EQ(r.rows[2][kPoint], "2"); // point 2 itself is not written
+    EXPECT_TRUE(numbersEmpty(r.rows[2]));
+    EXPECT_EQ(r.rows[2][kMessage], "run-time error: logarithm of a non-positive number in pAlk "
+                                   "(alkalinity)");
+}
+
+TEST(BatchRows, EveryRowStartsFromAFreshProgram) {
+    // An anion sum above 800 meq/L matches no band of the ion balance, so the
+    // verdict is whatever it was before: a fresh program's, unacceptable.
+    const std::string header = "sample,t,ph,alk,ca,na,cl,hco3,co3\n";
+    const std::string balanced = "balanced,25,7,50,20.1,22.99,35.453,61,0\n";
+    const std::string salty = "salty,25,7,50,20.1,22.99,30000,61,0\n";
+    const Result alone = calc(header + salty, {"--ionic", "lewis"});
+    const Result after = calc(header + balanced + salty, {"--ionic", "lewis"});
+    ASSERT_EQ(alone.rows.size(), 1u);
+    ASSERT_EQ(after.rows.size(), 2u);
+    EXPECT_EQ(after.rows[0][kMessage], ""); // accepted
+    EXPECT_EQ(alone.rows[0][kMessage], "water analysis is unacceptable");
+    EXPECT_EQ(after.rows[1], alone.rows[0]);
+
+    // a failing row leaves nothing behind for the next one
+    const std::string good = kWorked;
+    const Result goodAlone = calc(kHeader + good, {"--sweep", "6.5,0.5,5"});
+    const Result goodAfter =
+        calc(kHeader + "bad,25,13,10,80,400,,,\n" + good, {"--sweep", "6.5,0.5,5"});
+    ASSERT_GE(goodAfter.rows.size(), goodAlone.rows.size());
+    const Rows tail(goodAfter.rows.end() - static_cast<long>(goodAlone.rows.size()),
+                    goodAfter.rows.end());
+    EXPECT_EQ(tail, goodAlone.rows);
+}
+
+TEST(BatchRows, RowsAfterAMessageGoOn) {
+    const Result r = calc(kHeader + "a,25,7.5\n" + kWorked + "b,,7.5,200,80,400,,,\n" + kWorked);
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 4u);
+    EXPECT_NE(r.rows[0][kMessage], "");
+    EXPECT_EQ(r.rows[1][kPoint], "0");
+    EXPECT_EQ(r.rows[2][kMessage], kTdsMessage);
+    EXPECT_EQ(r.rows[3], r.rows[1]);
+}
+
+TEST(BatchRows, SampleIdentifiersAreQuotedWhenNeeded) {
+    const Result r = calc("sample,t,ph,alk,ca,tds\n\"North, \"\"A\"\"\",25,7.5,200,80,400\n"
+                          "plain,25,7.5,200,80,400\n");
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_EQ(r.rows[0][kSample], "North, \"A\"");
+    EXPECT_NE(r.text.find("\n\"North, \"\"A\"\"\",0,"), std::string::npos);
+    EXPECT_NE(r.text.find("\nplain,0,"), std::string::npos);
+    // messages with commas are quoted too
+    const Result m = calc("sample,t,ph,alk,ca,tds\nx,,7.5,200,80,400\n");
+    EXPECT_NE(m.text.find(",\"you Should enter TDS,T,pH,Ca and Alk values at least !\"\n"),
+              std::string::npos);
+}
+
+TEST(BatchRows, WithoutSampleColumnTheSampleIsEmpty) {
+    const Result r = calc("t,ph,alk,ca,tds\n25,7.5,200,80,400\n");
+    ASSERT_EQ(r.rows.size(), 1u);
+    EXPECT_EQ(r.rows[0][kSample], "");
+    EXPECT_EQ(r.rows[0][kPoint], "0");
+}
+
+TEST(BatchRows, OutputIsTheSameHoweverTheInputIsSplit) {
+    std::ifstream f(VELMORA_EXAMPLES "/waters.csv", std::ios::binary);
+    std::stringstream ss;
+    ss << f.rdbuf();
+    const std::string input = ss.str();
+    ASSERT_FALSE(input.empty());
+    const Result whole = calc(input);
+    EXPECT_EQ(whole.status, 0);
+    EXPECT_EQ(whole.rows.size(), 12u);
+    for (std::size_t piece : {1u, 5u, 64u})
+        EXPECT_EQ(calc(input, {}, piece).text, whole.text);
+}
+
+// ---------------------------------------------------------------------------
+// Command line
+
+TEST(BatchCommandLine, Options) {
+    Options o = parseCommandLine(
+        {"--ionic=lewis", "--activity", "davies", "--larson-skold", "-o", "out.csv", "in.csv"});
+    EXPECT_EQ(o.ionic, Options::Ionic::Lewis);
+    EXPECT_EQ(o.activity, Options::Activity::Davies);
+    EXPECT_TRUE(o.larsonSkold);
+    EXPECT_EQ(o.output, "out.csv");
+    EXPECT_EQ(o.input, "in.csv");
+    const EquationFlags f = equationFlags(o);
+    EXPECT_TRUE(f.bllewis && f.bldavies);
+    EXPECT_FALSE(f.bllang || f.blrus || f.bldebye || f.bledebye || f.blgun);
+
+    o = parseCommandLine({"--output=x.csv", "--sweep=6.5,0.5,5", "-"});
+    EXPECT_EQ(o.output, "x.csv");
+    EXPECT_TRUE(o.sweep);
+    EXPECT_EQ(o.sweepStart, "6.5");
+    EXPECT_EQ(o.sweepIncrement, "0.5");
+    EXPECT_EQ(o.sweepSteps, "5");
+    EXPECT_EQ(o.input, "-");
+
+    o = parseCommandLine({});
+    EXPECT_EQ(o.ionic, Options::Ionic::Langelier);
+    EXPECT_EQ(o.activity, Options::Activity::None);
+    const EquationFlags d = equationFlags(o);
+    EXPECT_TRUE(d.bllang);
+    EXPECT_FALSE(d.bldebye || d.bldavies || d.bledebye || d.blgun);
+
+    struct ActivityCase {
+        const char* name;
+        bool EquationFlags::*flag;
+    };
+    for (const ActivityCase& c : {ActivityCase{"limiting", &EquationFlags::bldebye},
+                                  ActivityCase{"extended", &EquationFlags::bledebye},
+                                  ActivityCase{"guntelberg", &EquationFlags::blgun},
+                                  ActivityCase{"davies", &EquationFlags::bldavies}}) {
+        EXPECT_TRUE(equationFlags(parseCommandLine({"--activity", c.name})).*(c.flag)) << c.name;
+    }
+    EXPECT_TRUE(parseCommandLine({"--help"}).help);
+    EXPECT_EQ(parseCommandLine({"--", "--odd-name.csv"}).input, "--odd-name.csv");
+}
+
+struct UsageCase {
+    const char* name;
+    std::vector<std::string> args;
+    const char* message;
+};
+
+TEST(BatchCommandLine, UsageErrors) {
+    const std::vector<UsageCase> cases = {
+        {"unknown_option", {"--fast"}, "unknown option \"--fast\""},
+        {"unknown_equation", {"--ionic", "debye"}, "--ionic: unknown equation \"debye\""},
+        {"unknown_activity", {"--activity=full"}, "--activity: unknown equation \"full\""},
+        {"missing_value", {"--ionic"}, "option \"--ionic\" needs a value"},
+        {"flag_with_value", {"--larson-skold=yes"}, "option \"--larson-skold\" takes no value"},
+        {"two_files", {"a.csv", "b.csv"}, "more than one input file"},
+        {"sweep_two_parts", {"--sweep", "7,0.5"}, "--sweep needs START,INCREMENT,STEPS"},
+        {"sweep_four_parts", {"--sweep", "7,0.5,5,1"}, "--sweep needs START,INCREMENT,STEPS"},
+        // the Options dialog's messages, blanks included
+        {"sweep_start_range",
+         {"--sweep", "15,0.5,5"},
+         "--sweep: initial pH must be between 1 to 14 ."},
+        {"sweep_start_text", {"--sweep", "x,0.5,5"}, "--sweep: You must enter a positive number!"},
+        {"sweep_start_point", {"--sweep", ".,0.5,5"}, "--sweep: You must enter a positive number!"},
+        {"sweep_increment_range",
+         {"--sweep", "7,3,5"},
+         "--sweep:  pH increment must be between 0.1  up to 2 ."},
+        {"sweep_increment_point",
+         {"--sweep", "7,.,5"},
+         "--sweep: You must enter a positive number!"},
+        {"sweep_steps_fraction",
+         {"--sweep", "7,0.5,2.5"},
+         "--sweep: You must enter an integer positive number!"},
+        {"sweep_steps_range",
+         {"--sweep", "7,0.5,141"},
+         "--sweep: initial pH must be an integer number between 1 to 140 ."},
+        {"sweep_empty_box",
+         {"--sweep", "7,,5"},
+         "--sweep: you should enter initial pH,pH increment and step numbers values"},
+        {"sweep_past_14",
+         {"--sweep", "1,2,140"},
+         "--sweep: Step numbers must be less than 140 , 6 is better."},
+        {"sweep_past_14_second",
+         {"--sweep", "7,2,5"},
+         "--sweep: Step numbers must be less than 5 , 3 is better."},
+        {"sweep_start_14", {"--sweep", "14,0.5,3"}, "--sweep: pH should not be more than 14"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        try {
+            parseCommandLine(c.args);
+            ADD_FAILURE() << "expected a usage error";
+        } catch (const UsageError& e) {
+            EXPECT_EQ(std::string(e.what()).rfind(c.message, 0), 0u) << e.what();
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
+// The command itself
+
+class Command : public ::testing::Test {
+protected:
+    std::string dir;
+
+    void SetUp() override {
+        std::string pattern = ::testing::TempDir() + "velmora-calc-XXXXXX";
+        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+        dir = pattern;
+    }
+    void TearDown() override { std::system(("rm -rf '" + dir + "'").c_str()); }
+
+    std::string path(const std::string& name) const { return dir + "/" + name; }
+
+    static void write(const std::string& file, const std::string& text) {
+        std::ofstream(file, std::ios::binary) << text;
+    }
+    static std::string read(const std::string& file) {
+        std::ifstream f(file, std::ios::binary);
+        std::stringstream ss;
+        ss << f.rdbuf();
+        return ss.str();
+    }
+
+    // Runs velmora-calc with a shell command line's arguments; stdin from
+    // `input` when given. Returns the exit status.
+    int run(const std::string& args, const std::string& input = "") {
+        std::string cmd = std::string("'") + VELMORA_CALC + "' " + args;
+        if (!input.empty()) {
+            write(path("stdin"), input);
+            cmd += " < '" + path("stdin") + "'";
+        } else {
+            cmd += " < /dev/null";
+        }
+        cmd += " > '" + path("stdout") + "' 2> '" + path("stderr") + "'";
+        const int status = std::system(cmd.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    std::string out() const { return read(path("stdout")); }
+    std::string err() const { return read(path("stderr")); }
+
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        if (DIR* d = ::opendir(dir.c_str())) {
+            while (dirent* e = ::readdir(d))
+                if (e->d_name[0] != '.') names.emplace_back(e->d_name);
+            ::closedir(d);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST_F(Command, ExitStatusZeroOneAndTwo) {
+    EXPECT_EQ(run(std::string("'") + VELMORA_EXAMPLES + "/waters.csv'"), 0);
+    EXPECT_EQ(out().rfind(std::string(kOutputHeader) + "\n", 0), 0u);
+    EXPECT_EQ(err(), "");
+
+    EXPECT_EQ(run("", kHeader + "s,25,7.5,200,0,400,,,\n"), 1);
+    EXPECT_NE(out().find("run-time error"), std::string::npos);
+
+    EXPECT_EQ(run("--sweep 1,2,140", kHeader + kWorked), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_NE(err().find("Step numbers must be less than 140 , 6 is better."), std::string::npos);
+
+    EXPECT_EQ(run("'" + path("missing.csv") + "'"), 2);
+    EXPECT_NE(err().find("cannot open"), std::string::npos);
+
+    EXPECT_EQ(run("", "t,ph,potassium\n"), 2);
+    EXPECT_NE(err().find("unknown column \"potassium\""), std::string::npos);
+}
+
+TEST_F(Command, HelpAndStandardInput) {
+    EXPECT_EQ(run("--help"), 0);
+    EXPECT_NE(out().find("Usage: velmora-calc"), std::string::npos);
+    EXPECT_NE(out().find("--sweep START,INCREMENT,STEPS"), std::string::npos);
+
+    EXPECT_EQ(run("-", kHeader + kWorked), 0);
+    const std::string viaDash = out();
+    EXPECT_EQ(run("", kHeader + kWorked), 0);
+    EXPECT_EQ(out(), viaDash);
+    EXPECT_NE(viaDash.find("\nworked,0,7.5,"), std::string::npos);
+}
+
+TEST_F(Command, OutputFileReplacedOnlyOnSuccess) {
+    const std::string target = path("result.csv");
+    write(target, "previous contents\n");
+    write(path("in.csv"), kHeader + kWorked);
+
+    // a bad header: the existing file stays as it was, no temporary file is left
+    write(path("bad.csv"), "t,ph,bogus\n1,2,3\n");
+    EXPECT_EQ(run("-o '" + target + "' '" + path("bad.csv") + "'"), 2);
+    EXPECT_EQ(read(target), "previous contents\n");
+    EXPECT_EQ(files(),
+              (std::vector<std::string>{"bad.csv", "in.csv", "result.csv", "stderr", "stdout"}));
+
+    // a missing input file, and a rejected sweep: the same
+    EXPECT_EQ(run("-o '" + target + "' '" + path("none.csv") + "'"), 2);
+    EXPECT_EQ(run("--sweep 7,2,5 -o '" + target + "' '" + path("in.csv") + "'"), 2);
+    EXPECT_EQ(read(target), "previous contents\n");
+
+    // success, message rows included, replaces it
+    EXPECT_EQ(run("--output='" + target + "' '" + path("in.csv") + "'"), 0);
+    EXPECT_EQ(out(), "");
+    const std::string written = read(target);
+    EXPECT_EQ(written.rfind(std::string(kOutputHeader) + "\n", 0), 0u);
+    EXPECT_NE(written.find("\nworked,0,7.5,"), std::string::npos);
+
+    // a directory that does not exist cannot be written
+    EXPECT_EQ(run("-o '" + path("no/such/dir.csv") + "' '" + path("in.csv") + "'"), 2);
+    EXPECT_NE(err().find("cannot write"), std::string::npos);
+}
+
+TEST_F(Command, OutputThroughASymbolicLinkReplacesTheFileItPointsTo) {
+    write(path("real.csv"), "old\n");
+    ASSERT_EQ(::symlink(path("real.csv").c_str(), path("link.csv").c_str()), 0);
+    EXPECT_EQ(run("-o '" + path("link.csv") + "'", kHeader + kWorked), 0);
+    struct stat st;
+    ASSERT_EQ(::lstat(path("link.csv").c_str(), &st), 0);
+    EXPECT_TRUE(S_ISLNK(st.st_mode));
+    EXPECT_NE(read(path("real.csv")).find("\nworked,0,"), std::string::npos);
+}
+
+} // namespace
