@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev qt6-charts-dev libgif-dev libgtest-dev
+PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev libgif-dev libgtest-dev
           libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time)
 
 install_deps() {

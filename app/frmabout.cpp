@@ -5,34 +5,14 @@
 #include "mainwindow/frmmain.h"
 #include "platform/platform.h"
 
-#include <QCloseEvent>
 #include <QLabel>
 #include <QPushButton>
 
 namespace velmora {
 
-namespace {
-frmAbout* s_about = nullptr;
-}
-
-frmAbout* frmAbout::instance() {
-    if (!s_about) s_about = new frmAbout();
-    return s_about;
-}
-
-bool frmAbout::isLoaded() {
-    return s_about != nullptr;
-}
-
-frmAbout::~frmAbout() {
-    if (s_about == this) s_about = nullptr;
-}
-
-frmAbout::frmAbout() : QDialog(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
-    s_about = this;
+frmAbout::frmAbout() : SingleWindow(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About Velmora"));
-    setAttribute(Qt::WA_DeleteOnClose);
     setModal(true);
     QFont arial(QStringLiteral("Arial"));
     arial.setPointSize(8);
@@ -84,11 +64,6 @@ void frmAbout::cmdOK_Click() {
 
 void frmAbout::reject() {
     close();
-}
-
-void frmAbout::closeEvent(QCloseEvent* event) {
-    event->accept();
-    if (s_about == this) s_about = nullptr;
 }
 
 } // namespace velmora

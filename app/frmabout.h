@@ -2,6 +2,8 @@
 // over the main window; loaded at each opening and unloaded by its OK.
 #pragma once
 
+#include "mainwindow/formsupport.h"
+
 #include <QDialog>
 
 class QLabel;
@@ -9,14 +11,10 @@ class QPushButton;
 
 namespace velmora {
 
-class frmAbout : public QDialog {
+class frmAbout : public SingleWindow<frmAbout, QDialog> {
     Q_OBJECT
 
 public:
-    static frmAbout* instance();
-    static bool isLoaded();
-    ~frmAbout() override;
-
     QLabel *Image1 = nullptr, *lblTitle = nullptr, *lblVersion = nullptr, *lblDescription = nullptr,
            *lblDisclaimer = nullptr;
     QPushButton* cmdOK = nullptr;
@@ -27,10 +25,8 @@ public slots:
     void cmdOK_Click();
     void reject() override;
 
-protected:
-    void closeEvent(QCloseEvent* event) override;
-
 private:
+    friend SingleWindow;
     frmAbout();
 };
 

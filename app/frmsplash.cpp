@@ -9,32 +9,13 @@
 
 namespace velmora {
 
-namespace {
-frmSplash* s_splash = nullptr;
-}
-
-frmSplash* frmSplash::instance() {
-    if (!s_splash) s_splash = new frmSplash();
-    return s_splash;
-}
-
-bool frmSplash::isLoaded() {
-    return s_splash != nullptr;
-}
-
 void frmSplash::unload() {
-    delete s_splash;
+    if (isLoaded()) delete instance();
 }
 
-frmSplash::~frmSplash() {
-    if (s_splash == this) s_splash = nullptr;
-}
-
-frmSplash::frmSplash() : QWidget(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint) {
-    s_splash = this;
+frmSplash::frmSplash() : SingleWindow(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint) {
     setObjectName(QStringLiteral("frmSplash"));
     setWindowTitle(QStringLiteral("Velmora"));
-    setAttribute(Qt::WA_DeleteOnClose);
     setFixedSize(twipsToPixelsX(6900), twipsToPixelsY(3900));
     QFont arial(QStringLiteral("Arial"));
     arial.setPointSize(9);

@@ -1,6 +1,8 @@
 // The splash window shown while the program starts.
 #pragma once
 
+#include "mainwindow/formsupport.h"
+
 #include <QWidget>
 
 class QFrame;
@@ -8,15 +10,12 @@ class QLabel;
 
 namespace velmora {
 
-class frmSplash : public QWidget {
+class frmSplash : public SingleWindow<frmSplash, QWidget> {
     Q_OBJECT
 
 public:
-    static frmSplash* instance();
-    static bool isLoaded();
     // Removes the splash at once.
     static void unload();
-    ~frmSplash() override;
 
     QFrame* fraMainFrame = nullptr;
     QLabel *Image1 = nullptr, *lblProductName = nullptr, *lblVersion = nullptr,
@@ -25,6 +24,7 @@ public:
     void Form_Load();
 
 private:
+    friend SingleWindow;
     frmSplash();
 };
 

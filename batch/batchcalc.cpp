@@ -487,8 +487,13 @@ void Calculator::freshProgram() {
     SweepArrays& sw = engine_.sw;
     // a row writes elements 0 to touched_ at most and reads touched_ + 1
     const int last = std::min(touched_ + 1, PointArray::kSize - 1);
-    for (auto a : kArrays)
-        std::memset(static_cast<void*>(&(sw.*a)), 0, sizeof(double) * (last + 1));
+    // (the first four elements at least: a fixed size clears them in a store
+    // or two instead of a call for each array)
+    for (auto a : kArrays) {
+        void* elements = static_cast<void*>(&(sw.*a));
+        std::memset(elements, 0, 4 * sizeof(double));
+        if (last >= 4) std::memset(elements, 0, sizeof(double) * (last + 1));
+    }
     sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
     sw.phstart = options_.sweep ? applied_.sweep.entry[0] : 0;
     sw.phincrement = sw.phsteps = 0;
@@ -513,22 +518,18 @@ void Calculator::pointRow(std::string_view sample, int point, OutputBuffer& out)
     char buf[16];
     out.append(std::string_view(
         buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, point).ptr - buf)));
+    // the ion balance's sums last, written only when it ran
     const double values[] = {
         s.ph(point), s.li(point), s.ri(point), s.por(point),   s.ai(point),   s.dfi(point),
         s.lr(point), s.me(point), s.sl(point), s.phs(point),   s.ch(point),   s.oh(point),
         s.a0(point), s.a1(point), s.a2(point), s.h2co3(point), s.hco3(point), s.co3(point),
-        r.ionic,     r.lanm,      r.land,      r.lant,         s.ct};
-    for (double v : values) {
-        out.append(',');
-        out.appendNumber(v);
-    }
+        r.ionic,     r.lanm,      r.land,      r.lant,         s.ct,          r.sumca,
+        r.suman,     r.diff};
     if (flags_.bllewis) {
-        for (double v : {r.sumca, r.suman, r.diff}) {
-            out.append(',');
-            out.appendNumber(v);
-        }
+        out.appendNumbers(values, std::size(values));
         out.append(",\n");
     } else {
+        out.appendNumbers(values, std::size(values) - 3);
         out.append(",,,,\n");
     }
 }

@@ -168,6 +168,11 @@ public:
         char* p = room(48);
         size_ = static_cast<std::size_t>(fmt::shortestTo(p, p + 48, x) - data_.get());
     }
+    // For each value a comma, then its shortest text.
+    void appendNumbers(const double* values, std::size_t count) {
+        char* p = room(49 * count);
+        size_ = static_cast<std::size_t>(fmt::shortestListTo(p, values, count, ',') - data_.get());
+    }
     std::string_view view() const { return {data_.get(), size_}; }
     std::size_t size() const { return size_; }
     void clear() { size_ = 0; }

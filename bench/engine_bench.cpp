@@ -1,8 +1,11 @@
 // Speed of the chemistry engine: one pH point, and a whole calculation with
 // the longest pH sweep the arrays hold.
 #include "engine/engine.h"
+#include "engine/numformat.h"
 
 #include <benchmark/benchmark.h>
+
+#include <vector>
 
 namespace {
 
@@ -75,5 +78,50 @@ void BM_Calculate140PointSweep(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * 141);
 }
 BENCHMARK(BM_Calculate140PointSweep)->Unit(benchmark::kMicrosecond);
+
+// The numbers of an output row of velmora-calc as shortest texts: the 23 of
+// the measured point of the sample above, one row at a time and one number
+// at a time.
+std::vector<double> measuredRow() {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    e.calculate(flags, in);
+    const auto& s = e.sw;
+    const auto& r = e.rec;
+    return {s.ph(0),   s.li(0),  s.ri(0), s.por(0), s.ai(0), s.dfi(0), s.lr(0), s.me(0),
+            s.sl(0),   s.phs(0), s.ch(0), s.oh(0),  s.a0(0), s.a1(0),  s.a2(0), s.h2co3(0),
+            s.hco3(0), s.co3(0), r.ionic, r.lanm,   r.land,  r.lant,   s.ct};
+}
+
+void BM_ShortestRow(benchmark::State& state) {
+    const std::vector<double> row = measuredRow();
+    std::vector<char> text(49 * row.size());
+    for (auto _ : state) {
+        char* end = velmora::fmt::shortestListTo(text.data(), row.data(), row.size(), ',');
+        benchmark::DoNotOptimize(end);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long>(row.size()));
+}
+BENCHMARK(BM_ShortestRow);
+
+void BM_ShortestOneAtATime(benchmark::State& state) {
+    const std::vector<double> row = measuredRow();
+    std::vector<char> text(49 * row.size());
+    for (auto _ : state) {
+        char* p = text.data();
+        for (double x : row) {
+            *p++ = ',';
+            p = velmora::fmt::shortestTo(p, p + 48, x);
+        }
+        benchmark::DoNotOptimize(p);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long>(row.size()));
+}
+BENCHMARK(BM_ShortestOneAtATime);
 
 } // namespace

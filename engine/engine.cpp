@@ -31,7 +31,8 @@ const char* EngineError::kindText(Kind kind) {
 
 namespace {
 
-[[noreturn]] void fail(EngineError::Kind kind, const char* what) {
+// Out of line and cold: the checks below stay a compare and a branch.
+[[noreturn, gnu::cold, gnu::noinline]] void fail(EngineError::Kind kind, const char* what) {
     throw EngineError(kind, std::string(EngineError::kindText(kind)) + " in " + what);
 }
 
@@ -78,6 +79,22 @@ double Pow(double base, double e, const char* what) {
 constexpr double kRT25 = 592.42405;
 constexpr double kH1 = 1820, kH2 = 3550, kHw = 13360, kHs = -2950;
 
+// The powers of ten of the constants at 25 degrees Celsius. They never vary,
+// so they are taken once, from the same library call at run time (the
+// volatile keeps the compiler from evaluating them its own way).
+double pow10AtRunTime(double x) {
+    volatile double e = x;
+    return F(std::pow(10.0, e), "constant");
+}
+struct ConstantsAt25 {
+    double k1, k2, kw, ks;
+};
+const ConstantsAt25& constantsAt25() {
+    static const ConstantsAt25 c = {pow10AtRunTime(-6.35), pow10AtRunTime(-10.33),
+                                    pow10AtRunTime(-14), pow10AtRunTime(-9)};
+    return c;
+}
+
 // Round to the nearest integer, halves to even.
 double roundEven(double x) {
     const int saved = std::fegetround();
@@ -89,11 +106,9 @@ double roundEven(double x) {
 
 } // namespace
 
-int PointArray::check(int i) {
-    if (i < 0 || i >= kSize)
-        throw EngineError(EngineError::Kind::IndexOutOfRange,
-                          "pH point index " + std::to_string(i) + " outside 0 to 140");
-    return i;
+void PointArray::outOfRange(int i) {
+    throw EngineError(EngineError::Kind::IndexOutOfRange,
+                      "pH point index " + std::to_string(i) + " outside 0 to 140");
 }
 
 Engine& theEngine() {
@@ -211,10 +226,11 @@ void Engine::equilibriumconstants() {
 
     const double dt = F(r.tk - 298.15, "temperature correction");
     const double rt = F(r.tk * kRT25, "temperature correction");
-    r.k1 = F(Pow10(-6.35, "k1") * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
-    r.k2 = F(Pow10(-10.33, "k2") * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
-    r.kw = F(Pow10(-14, "kw") * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
-    r.ks = F(4.8 * Pow10(-9, "ks") * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
+    const ConstantsAt25& at25 = constantsAt25();
+    r.k1 = F(at25.k1 * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
+    r.k2 = F(at25.k2 * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
+    r.kw = F(at25.kw * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
+    r.ks = F(4.8 * at25.ks * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
 
     r.pk1 = -Log10(r.k1, "pk1");
     r.pk2 = -Log10(r.k2, "pk2");

@@ -70,7 +70,13 @@ public:
     double operator()(int i) const { return v_[check(i)]; }
 
 private:
-    static int check(int i);
+    // inline, so that every access costs one compare; the throw stays out of line
+    static int check(int i) {
+        if (static_cast<unsigned>(i) >= static_cast<unsigned>(kSize)) [[unlikely]]
+            outOfRange(i);
+        return i;
+    }
+    [[noreturn]] static void outOfRange(int i);
     double v_[kSize] = {};
 };
 

@@ -1,6 +1,7 @@
 #include "engine/numformat.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -9,6 +10,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <system_error>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace velmora::fmt {
 
@@ -223,7 +228,33 @@ struct Scan {
     bool negative = false;
 };
 
-Scan scanNumber(std::string_view s) {
+// The exponent part, if any, of a number whose mantissa ends at i: adds it
+// to exp10 and returns the end of the number (a bare exponent letter is not
+// part of it).
+std::size_t scanExponent(std::string_view s, std::size_t i, int& exp10) {
+    const std::size_t n = s.size();
+    if (i < n && (s[i] == 'e' || s[i] == 'E')) {
+        std::size_t j = i + 1;
+        bool negativeExp = false;
+        if (j < n && (s[j] == '+' || s[j] == '-')) {
+            negativeExp = s[j] == '-';
+            ++j;
+        }
+        const std::size_t start = j;
+        int e = 0;
+        while (j < n && s[j] >= '0' && s[j] <= '9') {
+            if (e < 100000) e = e * 10 + (s[j] - '0');
+            ++j;
+        }
+        if (j > start) {
+            exp10 += negativeExp ? -e : e;
+            i = j;
+        }
+    }
+    return i;
+}
+
+Scan scanNumberCarefully(std::string_view s) {
     Scan r;
     std::size_t i = 0;
     const std::size_t n = s.size();
@@ -255,25 +286,37 @@ Scan scanNumber(std::string_view s) {
             digit(s[i++], true);
     }
     if (!anyDigit) return Scan{};
-    if (i < n && (s[i] == 'e' || s[i] == 'E')) {
-        std::size_t j = i + 1;
-        bool negativeExp = false;
-        if (j < n && (s[j] == '+' || s[j] == '-')) {
-            negativeExp = s[j] == '-';
-            ++j;
-        }
-        const std::size_t start = j;
-        int e = 0;
-        while (j < n && s[j] >= '0' && s[j] <= '9') {
-            if (e < 100000) e = e * 10 + (s[j] - '0');
-            ++j;
-        }
-        if (j > start) {
-            r.exp10 += negativeExp ? -e : e;
-            i = j;
-        }
+    r.length = scanExponent(s, i, r.exp10);
+    return r;
+}
+
+// The same scan, quicker for the usual case of at most 19 digits in all,
+// where the mantissa takes every digit and nothing is dropped.
+Scan scanNumber(std::string_view s) {
+    const std::size_t n = s.size();
+    std::size_t i = 0;
+    Scan r;
+    if (i < n && (s[i] == '+' || s[i] == '-')) {
+        r.negative = s[i] == '-';
+        ++i;
     }
-    r.length = i;
+    const std::size_t intStart = i;
+    std::uint64_t m = 0; // wraps when there are too many digits; not used then
+    while (i < n && static_cast<unsigned char>(s[i] - '0') <= 9)
+        m = m * 10 + static_cast<unsigned>(s[i++] - '0');
+    const std::size_t intDigits = i - intStart;
+    std::size_t fractionDigits = 0;
+    if (i < n && s[i] == '.') {
+        const std::size_t fractionStart = ++i;
+        while (i < n && static_cast<unsigned char>(s[i] - '0') <= 9)
+            m = m * 10 + static_cast<unsigned>(s[i++] - '0');
+        fractionDigits = i - fractionStart;
+    }
+    if (intDigits + fractionDigits > 19) return scanNumberCarefully(s);
+    if (intDigits + fractionDigits == 0) return Scan{};
+    r.mantissa = m;
+    r.exp10 = -static_cast<int>(fractionDigits);
+    r.length = scanExponent(s, i, r.exp10);
     return r;
 }
 
@@ -291,6 +334,68 @@ std::optional<double> valueOf(const Scan& r, std::string_view s) {
         return r.negative ? -v : v;
     }
     return convert(s.substr(0, r.length));
+}
+
+// The quick reading of the usual cell or box text: a whole text of at most
+// eight characters that is [sign] digits [. digits] with at least one digit.
+// Gives the value exactly as scanNumber and valueOf would, without a branch
+// on each character (the lengths of such texts vary, and every loop exit
+// would be a mispredicted branch). False for any other text.
+bool quickShortNumber(std::string_view text, double& value) {
+    if constexpr (std::endian::native != std::endian::little) return false;
+    std::size_t n = text.size();
+    if (n == 0 || n > 8) return false;
+    // the characters as the bytes of a word, the first one lowest, zeros above
+    const char* p = text.data();
+    std::uint64_t w;
+    if (n >= 4) { // two overlapping loads
+        std::uint32_t first4, last4;
+        std::memcpy(&first4, p, 4);
+        std::memcpy(&last4, p + n - 4, 4);
+        w = first4 | (std::uint64_t{last4} << (8 * (n - 4)));
+    } else {
+        w = static_cast<unsigned char>(p[0]) |
+            (std::uint64_t{static_cast<unsigned char>(p[n / 2])} << (8 * (n / 2))) |
+            (std::uint64_t{static_cast<unsigned char>(p[n - 1])} << (8 * (n - 1)));
+    }
+    constexpr std::uint64_t kOnes = 0x0101010101010101u;
+    bool negative = false;
+    if (p[0] == '-' || p[0] == '+') {
+        negative = p[0] == '-';
+        w >>= 8;
+        --n;
+    }
+    // the first decimal point, taken out (exact for the lowest zero byte)
+    const std::uint64_t x = w ^ (kOnes * '.');
+    const std::uint64_t inText = n == 8 ? ~std::uint64_t{0} : (std::uint64_t{1} << (8 * n)) - 1;
+    const std::uint64_t points = (x - kOnes) & ~x & (kOnes * 0x80) & inText;
+    std::size_t fraction = 0;
+    if (points != 0) {
+        const int at = __builtin_ctzll(points) >> 3;
+        const std::uint64_t before = (std::uint64_t{1} << (8 * at)) - 1;
+        w = (w & before) | ((w >> 8) & ~before);
+        fraction = n - 1 - static_cast<std::size_t>(at);
+        --n;
+    }
+    if (n == 0) return false;
+    // the digits at the top of the word, '0' below them, then every byte
+    // checked to be a digit (a second point or any other character fails)
+    const std::size_t pad = 8 - n;
+    const std::uint64_t padded =
+        (w << (8 * pad)) | (pad == 0 ? 0 : (kOnes * '0') & ((std::uint64_t{1} << (8 * pad)) - 1));
+    if ((((padded & 0xF0F0F0F0F0F0F0F0u) |
+          (((padded + 0x0606060606060606u) & 0xF0F0F0F0F0F0F0F0u) >> 4)) != 0x3333333333333333u))
+        return false;
+    // eight digits to their value: pairs, then fours, then the whole
+    std::uint64_t v = padded - kOnes * '0';
+    v = v * 10 + (v >> 8);
+    v = (((v & 0x000000FF000000FFu) * 0x000F424000000064u) +
+         (((v >> 16) & 0x000000FF000000FFu) * 0x0000271000000001u)) >>
+        32;
+    const auto m = static_cast<double>(static_cast<std::uint32_t>(v));
+    const double r = fraction != 0 ? m / kExactPow10[fraction] : m * kExactPow10[0];
+    value = negative ? -r : r;
+    return true;
 }
 
 } // namespace
@@ -366,13 +471,13 @@ constexpr std::uint64_t kCMin = std::uint64_t{1} << 52;
 constexpr int kQMin = -1074;
 constexpr std::uint64_t kMask63 = (std::uint64_t{1} << 63) - 1;
 
-int floorLog10Pow2(int e) {
+constexpr int floorLog10Pow2(int e) {
     return static_cast<int>((e * 661971961083LL) >> 41);
 }
-int floorLog10ThreeQuartersPow2(int e) {
+constexpr int floorLog10ThreeQuartersPow2(int e) {
     return static_cast<int>((e * 661971961083LL - 274743187321LL) >> 41);
 }
-int floorLog2Pow10(int e) {
+constexpr int floorLog2Pow10(int e) {
     return static_cast<int>((e * 913124641741LL) >> 38);
 }
 
@@ -558,17 +663,12 @@ int digitCount(std::uint64_t v) {
 
 } // namespace
 
-char* shortestTo(char* first, char* last, double x) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
-    if ((magnitude >> 52) == 0x7FF) return std::to_chars(first, last, x).ptr; // infinite or NaN
-    char* p = first;
-    if (bits >> 63) *p++ = '-';
-    if (magnitude == 0) {
-        *p++ = '0';
-        return p;
-    }
+namespace {
+
+// The shortest text of a finite nonzero |x| given its bits, by the Schubfach
+// digits; p is where the text starts (after any sign). Right for every value;
+// the quick route below leaves the rare hard ones to it.
+char* writeShortestExact(char* p, std::uint64_t magnitude) {
     const ShortestDigits d = shortestOf(magnitude);
     const int n = digitCount(d.digits);
     const int sciExp = d.exp + n - 1;
@@ -641,12 +741,268 @@ char* shortestTo(char* first, char* last, double x) {
     return p + 2;
 }
 
+// ---------------------------------------------------------------------------
+// The quick route for the common case: one 64 x 128-bit product decides the
+// digits of most normal doubles (the interval arithmetic of Jeon's Dragonbox
+// method). Let x = fc 2^q, k = floor(q log10 2) - 2 and scale by 10^-k: the
+// rounding interval of x becomes [z - delta, z] with z its upper end and
+// 100 <= delta < 1000. Its only candidate with three trailing zeros is
+// s = floor(z / 1000) x 1000; failing that, the shortest decimals are the
+// multiples of 100 in the interval, and the one nearest x is found from the
+// remainder r = floor(z) - 1000 s. The few cases that need the fractional
+// parts (r equal to floor(delta), z or the centre on a boundary) go to the
+// exact route.
+
+#include "engine/numformat_cache.inc"
+
+// value = digits x 10^(sciExp - 16), exactly 17 digits (trailing zeros too)
+struct Digits17 {
+    std::uint64_t digits;
+    int sciExp;
+};
+
+// k and beta below for each biased exponent, looked up rather than computed:
+// the digits of a value are one long chain of dependent steps, and a load
+// is the shortest link here.
+struct ScaleExponents {
+    std::int16_t k;
+    std::uint8_t beta;
+};
+constexpr auto kScaleExponents = [] {
+    std::array<ScaleExponents, 2047> table{};
+    for (int bq = 1; bq < 2047; ++bq) {
+        const int q = bq - 1075;
+        const int k = floorLog10Pow2(q) - 2;
+        table[bq] = {static_cast<std::int16_t>(k),
+                     static_cast<std::uint8_t>(q + floorLog2Pow10(-k))}; // beta: 6 to 9
+    }
+    return table;
+}();
+
+bool quickDigits(std::uint64_t magnitude, Digits17& out) {
+    const std::uint64_t t = magnitude & (kCMin - 1);
+    const int bq = static_cast<int>(magnitude >> 52);
+    if (bq == 0 || t == 0) return false; // subnormal, or a power of two (uneven interval)
+    const int k = kScaleExponents[bq].k;
+    const int beta = kScaleExponents[bq].beta;
+    const std::uint64_t* c = kPow10Cache[-k - kCacheMin];
+    // z = (2 fc + 1) 2^(q - 1) 10^-k: its integer part and the first 64 bits
+    // of its fraction. The cached power is rounded up, so the product can
+    // exceed z, by less than 2^-65: its integer part is floor(z) unless its
+    // fraction shows as zero, and that case goes the exact way. (The sum is
+    // made in 64-bit halves, which the compiler keeps in registers.)
+    const std::uint64_t u = (((t | kCMin) << 1) | 1) << beta;
+    const u128 product = static_cast<u128>(u) * c[0];
+    const std::uint64_t carried = mulHigh(u, c[1]);
+    const std::uint64_t zf = static_cast<std::uint64_t>(product) + carried;
+    const std::uint64_t zi = static_cast<std::uint64_t>(product >> 64) + (zf < carried);
+    const std::uint64_t delta = c[0] >> (63 - beta); // floor(2^q 10^-k), exact
+    const std::uint64_t s = zi / 1000;
+    const std::uint64_t r = zi - 1000 * s;
+    // r < delta: s x 1000 lies inside the interval (above z - delta, and
+    // below z unless z is a whole number, which goes the exact way with
+    // every zero fraction). r > delta: no multiple of 1000 does, and the
+    // multiple of 100 nearest the centre z - delta / 2 is s x 1000 + 100
+    // floor(dist / 100), unless dist is a multiple of 100. There, and at
+    // r == delta, the fractions decide: the exact way.
+    const std::uint64_t dist = r - delta / 2 + 50;
+    const std::uint64_t a = dist / 100;
+    // which case holds depends on the digits, so the result is chosen
+    // without a branch (one would mispredict half the time)
+    const bool big = r < delta;
+    const bool hard = (r == delta) | (zf == 0) | (!big & (dist == 100 * a));
+    if (hard) return false;
+    const std::uint64_t bigMask = std::uint64_t{0} - big;
+    const std::uint64_t v = (s & bigMask) | ((10 * s + a) & ~bigMask); // 15 to 17 digits
+    const int e = k + 2 + big;
+    // to 17 digits (times 1, 10 or 100, again without a branch)
+    const unsigned below17 = v < 10000000000000000u, below16 = v < 1000000000000000u;
+    out = {v * (1 + 9 * below17 + 90 * below16), e + 16 - static_cast<int>(below17 + below16)};
+    return true;
+}
+
+// The sixteen digits of high x 10^8 + low (both below 10^8) as byte values
+// 0 to 9, first digit in the lowest byte: the first eight in first, the
+// others in second.
+#if defined(__SSE2__)
+// Both halves at once in vector lanes: each half split into two groups of
+// four digits, each group spread over four lanes and divided by 1000, 100,
+// 10 and 1 by fixed-point multiplication.
+__m128i digitLanes8(std::uint32_t x) {
+    const __m128i v = _mm_cvtsi32_si128(static_cast<int>(x));
+    const __m128i abcd = // x / 10000: 0xd1b71759 / 2^45 is 1 / 10000 closely enough below 10^8
+        _mm_srli_epi64(_mm_mul_epu32(v, _mm_set1_epi32(static_cast<int>(0xd1b71759))), 45);
+    const __m128i efgh = _mm_sub_epi32(v, _mm_mul_epu32(abcd, _mm_set1_epi32(10000)));
+    const __m128i groups = _mm_slli_epi64(_mm_unpacklo_epi16(abcd, efgh), 2);
+    const __m128i spread =
+        _mm_unpacklo_epi32(_mm_unpacklo_epi16(groups, groups), _mm_unpacklo_epi16(groups, groups));
+    // 4 g x (8389, 5243, 13108, 32768) / 2^16 then x (128, 2048, 8192, 32768) /
+    // 2^16: g / 1000, g / 100, g / 10 and g
+    const __m128i quotients =
+        _mm_mulhi_epu16(_mm_mulhi_epu16(spread, _mm_setr_epi16(8389, 5243, 13108, -32768, 8389,
+                                                               5243, 13108, -32768)),
+                        _mm_setr_epi16(128, 2048, 8192, -32768, 128, 2048, 8192, -32768));
+    // each quotient less ten times the one before it: the digit
+    return _mm_sub_epi16(quotients,
+                         _mm_slli_epi64(_mm_mullo_epi16(quotients, _mm_set1_epi16(10)), 16));
+}
+
+void digitValues16(std::uint32_t high, std::uint32_t low, std::uint64_t& first,
+                   std::uint64_t& second) {
+    const __m128i bytes = _mm_packus_epi16(digitLanes8(high), digitLanes8(low));
+    first = static_cast<std::uint64_t>(_mm_cvtsi128_si64(bytes));
+    second = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(bytes, bytes)));
+}
+#else
+void digitValues16(std::uint32_t high, std::uint32_t low, std::uint64_t& first,
+                   std::uint64_t& second) {
+    first = digits8(high) - 0x3030303030303030ULL;
+    second = digits8(low) - 0x3030303030303030ULL;
+}
+#endif
+
+// The text of the digits d of a finite nonzero |x| with the given bits.
+char* writeQuick(char* p, const Digits17& d, std::uint64_t magnitude) {
+    // the 17 digits as text, in registers: the first one, then two words
+    // of eight, first character in the lowest byte (both quotients are taken
+    // from the digits directly, so that neither waits for the other)
+    const std::uint64_t top = d.digits / 10000000000000000u; // 1 to 9
+    const std::uint64_t upper = d.digits / 100000000;        // the first nine digits
+    std::uint64_t highValues, lowValues;
+    digitValues16(static_cast<std::uint32_t>(upper - top * 100000000),
+                  static_cast<std::uint32_t>(d.digits - upper * 100000000), highValues, lowValues);
+    constexpr std::uint64_t kZeros = 0x3030303030303030ULL;
+    const char lead = static_cast<char>('0' + top);
+    const std::uint64_t highText = highValues | kZeros, lowText = lowValues | kZeros;
+    // trailing zero digits are the zero bytes at the top of the words
+    const int zeros = lowValues != 0    ? __builtin_clzll(lowValues) >> 3
+                      : highValues != 0 ? 8 + (__builtin_clzll(highValues) >> 3)
+                                        : 16;
+    const int n = 17 - zeros;
+    const int sciExp = d.sciExp;
+    // the 17 digits at dest, by stores only (nothing is read back, which
+    // would stall on the stores)
+    auto put17 = [&](char* dest) {
+        *dest = lead;
+        std::memcpy(dest + 1, &highText, 8);
+        std::memcpy(dest + 9, &lowText, 8);
+    };
+
+    // the shorter of the fixed and the exponent form, the fixed one on a tie
+    const int sciLength = n + (n > 1 ? 1 : 0) + 2 + (sciExp >= 100 || sciExp <= -100 ? 3 : 2);
+    const int fixedLength = sciExp >= n - 1 ? sciExp + 1 : sciExp >= 0 ? n + 1 : 1 - sciExp + n;
+    if (fixedLength <= sciLength) {
+        if (sciExp >= n - 1) { // an integer
+            // below 2^53 the digits and zeros are the exact value; above,
+            // zeros would stand for digits the exact value has
+            if (sciExp >= n && magnitude >= 0x4340000000000000u)
+                return writeShortestExact(p, magnitude);
+            put17(p);
+            return p + fixedLength;
+        }
+        if (sciExp >= 0) { // point inside the digits: digits 1 to 16 moved one place on
+            const int intDigits = sciExp + 1;
+            put17(p);
+            const u128 tail = ((static_cast<u128>(lowText) << 64) | highText) >> (8 * sciExp);
+            const auto tailLow = static_cast<std::uint64_t>(tail);
+            const auto tailHigh = static_cast<std::uint64_t>(tail >> 64);
+            std::memcpy(p + intDigits + 1, &tailLow, 8);
+            std::memcpy(p + intDigits + 9, &tailHigh, 8);
+            p[intDigits] = '.';
+            return p + fixedLength;
+        }
+        std::memcpy(p, "0.000", 5); // at most three zeros after the point here
+        put17(p + 1 - sciExp);
+        return p + fixedLength;
+    }
+
+    // d.ddde+XX
+    put17(p + 1);
+    p[0] = lead;
+    if (n > 1) {
+        p[1] = '.';
+        p += n + 1;
+    } else {
+        p += 1;
+    }
+    *p++ = 'e';
+    int e = sciExp;
+    if (e < 0) {
+        *p++ = '-';
+        e = -e;
+    } else {
+        *p++ = '+';
+    }
+    if (e >= 100) {
+        *p++ = static_cast<char>('0' + e / 100);
+        e %= 100;
+    }
+    write2(p, static_cast<std::uint32_t>(e));
+    return p + 2;
+}
+
+} // namespace
+
+char* shortestTo(char* first, char* last, double x) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &x, sizeof bits);
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
+    if ((magnitude >> 52) == 0x7FF) return std::to_chars(first, last, x).ptr; // infinite or NaN
+    char* p = first;
+    if (bits >> 63) *p++ = '-';
+    if (magnitude == 0) {
+        *p++ = '0';
+        return p;
+    }
+    Digits17 d;
+    if (std::endian::native != std::endian::little || !quickDigits(magnitude, d))
+        return writeShortestExact(p, magnitude);
+    return writeQuick(p, d, magnitude);
+}
+
+char* shortestListTo(char* first, const double* values, std::size_t count, char separator) {
+    // first the digits of a group of values, then their texts: the digits of
+    // one value need not wait for the text of the one before, and the
+    // processor works on several at once
+    constexpr std::size_t kGroup = 32;
+    char* p = first;
+    for (std::size_t start = 0; start < count; start += kGroup) {
+        const std::size_t n = std::min(kGroup, count - start);
+        const double* x = values + start;
+        Digits17 digits[kGroup];
+        bool quick[kGroup];
+        for (std::size_t i = 0; i < n; ++i) {
+            std::uint64_t bits;
+            std::memcpy(&bits, &x[i], sizeof bits);
+            const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
+            // zero, infinite and NaN go the long way
+            quick[i] = std::endian::native == std::endian::little &&
+                       magnitude - 1 < 0x7FEFFFFFFFFFFFFFu && quickDigits(magnitude, digits[i]);
+        }
+        for (std::size_t i = 0; i < n; ++i) {
+            *p++ = separator;
+            if (quick[i]) {
+                std::uint64_t bits;
+                std::memcpy(&bits, &x[i], sizeof bits);
+                *p = '-';
+                p += bits >> 63;
+                p = writeQuick(p, digits[i], bits & ~(std::uint64_t{1} << 63));
+            } else {
+                p = shortestTo(p, p + 48, x[i]);
+            }
+        }
+    }
+    return p;
+}
+
 std::string shortest(double x) {
     char buf[64];
     return std::string(buf, shortestTo(buf, buf + sizeof buf, x));
 }
 
 double leadingNumber(std::string_view text) {
+    double quick;
+    if (quickShortNumber(text, quick)) return quick;
     // Blanks are dropped wherever they stand, then the number at the start is read.
     auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
     while (!text.empty() && blank(text.front()))
@@ -668,6 +1024,8 @@ bool isNumber(std::string_view text) {
 }
 
 std::optional<double> strictNumber(std::string_view text) {
+    double quick;
+    if (quickShortNumber(text, quick)) return quick;
     while (!text.empty() && isBlank(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back()))

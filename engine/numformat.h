@@ -2,6 +2,7 @@
 // windows and the report show, and the readings of typed text.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +35,10 @@ std::string shortest(double x);
 // characters (some of them past the text may be overwritten); returns the
 // end of the text.
 char* shortestTo(char* first, char* last, double x);
+// For each of `count` values the separator, then its shortest text, written
+// from `first`, which must have room for 49 characters a value; returns the
+// end of the text. Faster than one value at a time.
+char* shortestListTo(char* first, const double* values, std::size_t count, char separator);
 
 // The leading-number reading of a box's text: blanks ignored, reading stops
 // at the first character that cannot belong to a number, 0 when there is none.

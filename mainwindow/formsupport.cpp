@@ -67,6 +67,17 @@ bool enabledFlag(const QWidget* w) {
     return !w->testAttribute(Qt::WA_ForceDisabled);
 }
 
+bool allFilled(std::initializer_list<const QLineEdit*> boxes) {
+    for (const QLineEdit* b : boxes)
+        if (b->text().isEmpty()) return false;
+    return true;
+}
+
+void setEnabledAll(std::initializer_list<QWidget*> controls, bool enabled) {
+    for (QWidget* w : controls)
+        w->setEnabled(enabled);
+}
+
 void setTwipsGeometry(QWidget* w, int left, int top, int width, int height) {
     if (w->isWindow()) {
         w->resize(twipsToPixelsX(width), twipsToPixelsY(height));

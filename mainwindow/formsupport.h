@@ -4,11 +4,17 @@
 // property, and geometry in twips.
 #pragma once
 
+#include <QCloseEvent>
 #include <QColor>
 #include <QRect>
+#include <QWidget>
 #include <QtGlobal>
 
-class QWidget;
+#include <initializer_list>
+#include <type_traits>
+#include <utility>
+
+class QLineEdit;
 
 namespace velmora {
 
@@ -25,6 +31,46 @@ constexpr quint32 ButtonFace = 0x8000000F;       // the system button face
 constexpr quint32 WindowBackground = 0x80000005; // the system window background
 } // namespace vb
 
+// The one application-wide instance of the window class W (derived from
+// Base, a QWidget): created on first use, possibly without being shown; a
+// window that is closed is unloaded (deleted, and forgotten at once), so its
+// next use creates it afresh in its design state. W declares `friend
+// SingleWindow;` and a private default constructor.
+template <class W, class Base> class SingleWindow : public Base {
+public:
+    static W* instance() {
+        if (!current_) new W(); // the constructor registers it
+        return static_cast<W*>(current_);
+    }
+    static bool isLoaded() { return current_ != nullptr; }
+    ~SingleWindow() override { forget(); }
+    SingleWindow(const SingleWindow&) = delete;
+    SingleWindow& operator=(const SingleWindow&) = delete;
+
+protected:
+    template <class... Args>
+    requires(!(std::is_base_of_v<SingleWindow, std::remove_cvref_t<Args>> ||
+               ...)) explicit SingleWindow(Args&&... args)
+        : Base(std::forward<Args>(args)...) {
+        current_ = this;
+        this->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    // Closing always unloads (a dialog's own close handling, which would
+    // run its reject(), is not wanted here).
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        forget();
+    }
+    bool isCurrent() const { return current_ == this; }
+    // The window is being unloaded: the next instance() creates a new one.
+    void forget() {
+        if (current_ == this) current_ = nullptr;
+    }
+
+private:
+    static inline SingleWindow* current_ = nullptr;
+};
+
 // The colour of a blue-green-red value; system colours (high bit set) come
 // from the application palette.
 QColor vbColor(quint32 bgr);
@@ -40,6 +86,12 @@ QColor paintedBackColor(const QWidget* w);
 // The control's own Enabled flag, whatever its containers are (a box inside
 // a disabled frame keeps its own flag).
 bool enabledFlag(const QWidget* w);
+
+// True when every box holds text (a filled box is one its change handler
+// kept).
+bool allFilled(std::initializer_list<const QLineEdit*> boxes);
+// Enables or disables each of the controls.
+void setEnabledAll(std::initializer_list<QWidget*> controls, bool enabled);
 
 // Geometry in twips at the platform's twips per pixel. For a window the
 // position is that of its frame.

@@ -35,8 +35,6 @@ namespace velmora {
 
 namespace {
 
-frmMain* s_main = nullptr;
-
 constexpr int kToolbarHeightTwips = 420;
 
 // The client area: the toolbar sits at its top edge, stretched to its width,
@@ -93,12 +91,6 @@ QIcon toolbarIcon(const QString& key) {
     return QIcon(pm);
 }
 
-bool filled(std::initializer_list<const QLineEdit*> boxes) {
-    for (const QLineEdit* b : boxes)
-        if (b->text().isEmpty()) return false;
-    return true;
-}
-
 Platform::Icon platformIcon(MessageIcon icon) {
     switch (icon) {
     case MessageIcon::Information:
@@ -120,20 +112,9 @@ QString settingText(int twips) {
 } // namespace
 
 // ---------------------------------------------------------------------------
-frmMain* frmMain::instance() {
-    if (!s_main) s_main = new frmMain();
-    return s_main;
-}
-
-bool frmMain::isLoaded() {
-    return s_main != nullptr;
-}
-
 frmMain::frmMain() {
-    s_main = this;
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Velmora"));
-    setAttribute(Qt::WA_DeleteOnClose);
 
     buildMenus();
     auto* area = new ClientArea(this);
@@ -157,10 +138,7 @@ frmMain::frmMain() {
 }
 
 frmMain::~frmMain() {
-    if (s_main == this) {
-        s_main = nullptr;
-        theEngine().setObserver(nullptr);
-    }
+    if (isCurrent()) theEngine().setObserver(nullptr);
 }
 
 // ---------------------------------------------------------------------------
@@ -280,77 +258,66 @@ void frmMain::buildControls() {
         f->setObjectName(QLatin1String(name));
         return f;
     };
-    auto label = [](QWidget* parent, const char* name, const QString& caption) {
+    auto label = [](QWidget* parent, const QByteArray& name, const QString& caption) {
         auto* l = new QLabel(caption, parent);
         l->setObjectName(QLatin1String(name));
         l->setTextFormat(Qt::PlainText);
         l->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         return l;
     };
-    auto box = [](QWidget* parent, const char* name, const QString& tip) {
+    auto box = [](QWidget* parent, const QByteArray& name, const QString& tip) {
         auto* b = new QLineEdit(parent);
         b->setObjectName(QLatin1String(name));
         b->setToolTip(tip);
         return b;
     };
-    // one labelled box per row of a frame
-    auto row = [&](QGroupBox* f, int i, QLabel*& l, const char* lname, const QString& caption,
-                   QLineEdit*& b, const char* bname, const QString& tip) {
-        l = label(f, lname, caption);
-        b = box(f, bname, tip);
-        setTwipsGeometry(l, 120, 285 + 375 * i, 2400, 315);
-        setTwipsGeometry(b, 2520, 285 + 375 * i, 1215, 315);
+    // the labelled boxes of a frame, one per row: lbl<name> and txt<name>
+    struct Row {
+        QLabel*& label;
+        QLineEdit*& box;
+        const char* name;
+        const char* caption;
+        const char* tip;
     };
-    const QString mgL = QStringLiteral("As mg/L");
+    auto rows = [&](QGroupBox* f, std::initializer_list<Row> list) {
+        int top = 285;
+        for (const Row& r : list) {
+            const QByteArray name(r.name);
+            r.label = label(f, "lbl" + name, QString::fromLatin1(r.caption));
+            r.box = box(f, "txt" + name, QString::fromLatin1(r.tip));
+            setTwipsGeometry(r.label, 120, top, 2400, 315);
+            setTwipsGeometry(r.box, 2520, top, 1215, 315);
+            top += 375;
+        }
+    };
+    const char* mgL = "As mg/L";
 
     frawater = frame(client, "frawater", QStringLiteral("Enter water characteristics below :"));
     Frame4 = frame(frawater, "Frame4", QString());
-    row(Frame4, 0, lblalk, "lblalk", QStringLiteral("  Alkalinity (ALK)   ="), txtalk, "txtalk",
-        QStringLiteral("As mg/L caco3"));
-    row(Frame4, 1, lblph, "lblph", QStringLiteral("  pH                      =    "), txtph,
-        "txtph", QStringLiteral("Between 1 to 14"));
-    row(Frame4, 2, lblt, "lblt", QStringLiteral("Temperture (T)     =  "), txtt, "txtt",
-        QStringLiteral("T as Celsius "));
-
+    rows(Frame4, {{lblalk, txtalk, "alk", "  Alkalinity (ALK)   =", "As mg/L caco3"},
+                  {lblph, txtph, "ph", "  pH                      =    ", "Between 1 to 14"},
+                  {lblt, txtt, "t", "Temperture (T)     =  ", "T as Celsius "}});
     fratdsec = frame(frawater, "fratdsec", QString());
-    row(fratdsec, 0, lbltds, "lbltds", QStringLiteral("Dissolved solids (TDS) ="), txttds, "txttds",
-        mgL);
-    row(fratdsec, 1, lblec, "lblec", QStringLiteral("Electrical conductivity  = "), txtec, "txtec",
-        QStringLiteral("As Mili-Siemens per meter (mS/m)"));
-
+    rows(fratdsec,
+         {{lbltds, txttds, "tds", "Dissolved solids (TDS) =", mgL},
+          {lblec, txtec, "ec", "Electrical conductivity  = ", "As Mili-Siemens per meter (mS/m)"}});
     frmcations = frame(frawater, "frmcations", QStringLiteral("cations :"));
-    row(frmcations, 0, lblca, "lblca", QStringLiteral("  Calcium as Ca             ="), txtca,
-        "txtca", mgL);
-    row(frmcations, 1, lblmg, "lblmg", QStringLiteral("  Magnesium as Mg       ="), txtmg, "txtmg",
-        mgL);
-    row(frmcations, 2, lblk, "lblk", QStringLiteral("Potassium as K            ="), txtk, "txtk",
-        mgL);
-    row(frmcations, 3, lblna, "lblna", QStringLiteral("Sodium as Na              ="), txtna,
-        "txtna", mgL);
-    row(frmcations, 4, lblzn, "lblzn", QStringLiteral("Zinc as Zn                   ="), txtzn,
-        "txtzn", mgL);
-    row(frmcations, 5, lblmn, "lblmn", QStringLiteral("Manganese as Mn      ="), txtmn, "txtmn",
-        mgL);
-    row(frmcations, 6, lblfe, "lblfe", QStringLiteral("Iron as Fe                    ="), txtfe,
-        "txtfe", mgL);
-    row(frmcations, 7, lblal, "lblal", QStringLiteral("Aluminium as AL          ="), txtal, "txtal",
-        mgL);
-
+    rows(frmcations, {{lblca, txtca, "ca", "  Calcium as Ca             =", mgL},
+                      {lblmg, txtmg, "mg", "  Magnesium as Mg       =", mgL},
+                      {lblk, txtk, "k", "Potassium as K            =", mgL},
+                      {lblna, txtna, "na", "Sodium as Na              =", mgL},
+                      {lblzn, txtzn, "zn", "Zinc as Zn                   =", mgL},
+                      {lblmn, txtmn, "mn", "Manganese as Mn      =", mgL},
+                      {lblfe, txtfe, "fe", "Iron as Fe                    =", mgL},
+                      {lblal, txtal, "al", "Aluminium as AL          =", mgL}});
     frmanions = frame(frawater, "frmanions", QStringLiteral("Anions :"));
-    row(frmanions, 0, lblhco3, "lblhco3", QStringLiteral("Bicarbonate as HCO3   ="), txthco3,
-        "txthco3", mgL);
-    row(frmanions, 1, lblco3, "lblco3", QStringLiteral("Carbonate as CO3        ="), txtco3,
-        "txtco3", mgL);
-    row(frmanions, 2, lblno2, "lblno2", QStringLiteral("Nitrite as NO2              ="), txtno2,
-        "txtno2", mgL);
-    row(frmanions, 3, lblno3, "lblno3", QStringLiteral("Nitrate as NO3             ="), txtno3,
-        "txtno3", mgL);
-    row(frmanions, 4, lblf, "lblf", QStringLiteral("Fluoride as F                 ="), txtf, "txtf",
-        mgL);
-    row(frmanions, 5, lblcl, "lblcl", QStringLiteral("Chloride as Cl              ="), txtcl,
-        "txtcl", mgL);
-    row(frmanions, 6, lblso4, "lblso4", QStringLiteral("Solphate as SO4         ="), txtso4,
-        "txtso4", mgL);
+    rows(frmanions, {{lblhco3, txthco3, "hco3", "Bicarbonate as HCO3   =", mgL},
+                     {lblco3, txtco3, "co3", "Carbonate as CO3        =", mgL},
+                     {lblno2, txtno2, "no2", "Nitrite as NO2              =", mgL},
+                     {lblno3, txtno3, "no3", "Nitrate as NO3             =", mgL},
+                     {lblf, txtf, "f", "Fluoride as F                 =", mgL},
+                     {lblcl, txtcl, "cl", "Chloride as Cl              =", mgL},
+                     {lblso4, txtso4, "so4", "Solphate as SO4         =", mgL}});
 
     frasample = frame(client, "frasample", QStringLiteral("Sample properties :"));
     txtnam = box(frasample, "txtnam", QString());
@@ -656,11 +623,8 @@ void frmMain::closeEvent(QCloseEvent* event) {
         p.writeSetting(app, section, QStringLiteral("MainHeight"),
                        settingText(pixelsToTwipsY(height())));
     }
-    event->accept();
-    if (s_main == this) {
-        s_main = nullptr;
-        theEngine().setObserver(nullptr);
-    }
+    if (isCurrent()) theEngine().setObserver(nullptr);
+    SingleWindow::closeEvent(event);
 }
 
 // ---------------------------------------------------------------------------
@@ -731,9 +695,7 @@ void frmMain::tbToolBar_ButtonClick(QAction* button) {
 // Clear and New
 
 void frmMain::clearAccuracyFrame() {
-    for (QWidget* w : std::initializer_list<QWidget*>{fraaccuracy, lblsumca, lblsuman, lbldiff,
-                                                      txtsumca, txtsuman, txtdiff})
-        w->setEnabled(false);
+    setEnabledAll({fraaccuracy, lblsumca, lblsuman, lbldiff, txtsumca, txtsuman, txtdiff}, false);
     txtsumca->clear();
     txtsuman->clear();
     txtdiff->clear();
@@ -804,9 +766,11 @@ void frmMain::cmdread_Click() {
 }
 
 void frmMain::cmdaccuracy_Click() {
-    for (QWidget* w : std::initializer_list<QWidget*>{fraaccuracy, lblsumca, lblsuman, lbldiff,
-                                                      txtsumca, txtsuman, txtdiff})
-        w->setEnabled(true);
+    setEnabledAll({fraaccuracy, lblsumca, lblsuman, lbldiff, txtsumca, txtsuman, txtdiff}, true);
+    showAccuracySums();
+}
+
+void frmMain::showAccuracySums() {
     const AnalysisRecord& r = theEngine().rec;
     txtsumca->setText(QString::fromStdString(fmt::rounded(r.sumca, 5)));
     txtsuman->setText(QString::fromStdString(fmt::rounded(r.suman, 5)));
@@ -861,11 +825,7 @@ void frmMain::accuracyVerdict(bool acceptable) {
 }
 
 void frmMain::accuracyRefresh() {
-    if (!enabledFlag(fraaccuracy)) return;
-    const AnalysisRecord& r = theEngine().rec;
-    txtsumca->setText(QString::fromStdString(fmt::rounded(r.sumca, 5)));
-    txtsuman->setText(QString::fromStdString(fmt::rounded(r.suman, 5)));
-    txtdiff->setText(QString::fromStdString(fmt::rounded(r.diff, 5)));
+    if (enabledFlag(fraaccuracy)) showAccuracySums();
 }
 
 void frmMain::publishResults() {
@@ -917,21 +877,21 @@ void frmMain::enterReadyToRead(bool enableRead, bool disableCalc) {
 
 void frmMain::lewisBlock() {
     if (!theOptions().equations.bllewis) return;
-    if (filled({txtt, txtph, txtalk, txtca})) enterReadyToRead(true, true);
+    if (allFilled({txtt, txtph, txtalk, txtca})) enterReadyToRead(true, true);
 }
 
 void frmMain::russellBlock() {
     if (!theOptions().equations.blrus) return;
     const bool complete = larsonSkoldChecked()
-                              ? filled({txtt, txtph, txtalk, txtca, txtec, txtcl, txtso4})
-                              : filled({txtt, txtph, txtalk, txtca, txtec});
+                              ? allFilled({txtt, txtph, txtalk, txtca, txtec, txtcl, txtso4})
+                              : allFilled({txtt, txtph, txtalk, txtca, txtec});
     if (complete) enterReadyToRead(true, true);
 }
 
 void frmMain::langelierBlock(QLineEdit* box) {
     if (!theOptions().equations.bllang) return;
     if (!theOptions().index.bllr) {
-        if (filled({txtt, txtph, txtalk, txtca, txttds})) enterReadyToRead(true, false);
+        if (allFilled({txtt, txtph, txtalk, txtca, txttds})) enterReadyToRead(true, false);
         return;
     }
     const QList<const QLineEdit*> set = {txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4};
@@ -976,7 +936,7 @@ void frmMain::chlorideSulphateChange(QLineEdit* box) {
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     if (theOptions().index.bllr) {
-        if (filled({txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4}))
+        if (allFilled({txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4}))
             enterReadyToRead(true, true);
         if (txtcl->text().isEmpty() || txtso4->text().isEmpty()) cmdread->setEnabled(false);
     }
@@ -1038,7 +998,7 @@ void frmMain::txtec_Change() {
     if (rejectText(txtec)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
-    if (theOptions().equations.blrus && filled({txtt, txtph, txtalk, txtca, txtec}))
+    if (theOptions().equations.blrus && allFilled({txtt, txtph, txtalk, txtca, txtec}))
         setStatusText(workflow::ReadyToRead);
     russellBlock();
     workflowAfterEdit();
@@ -1050,7 +1010,7 @@ void frmMain::txttds_Change() {
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     langelierBlock(txttds);
-    if (theOptions().equations.blrus && filled({txtt, txtph, txtalk, txtca, txtec}))
+    if (theOptions().equations.blrus && allFilled({txtt, txtph, txtalk, txtca, txtec}))
         enterReadyToRead(true, true);
     workflowAfterEdit();
     if (txttds->text().isEmpty()) cmdread->setEnabled(false);

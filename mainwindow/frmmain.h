@@ -6,6 +6,7 @@
 
 #include "engine/engine.h"
 #include "intake/readdata.h"
+#include "mainwindow/formsupport.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -36,13 +37,12 @@ inline const QString AccuracyAcceptable = QStringLiteral("Analysis accuracy is a
 inline const QString AccuracyUnacceptable = QStringLiteral("Analysis accuracy is unacceptable");
 } // namespace workflow
 
-class frmMain : public QMainWindow, public EngineObserver {
+// The one main window (instance()), created hidden in its design state on
+// first use.
+class frmMain : public SingleWindow<frmMain, QMainWindow>, public EngineObserver {
     Q_OBJECT
 
 public:
-    // The one main window, created (hidden, in its design state) on first use.
-    static frmMain* instance();
-    static bool isLoaded();
     ~frmMain() override;
 
     // --- controls, named as everywhere in the program
@@ -155,6 +155,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    friend SingleWindow;
     frmMain();
     void buildMenus();
     void buildToolbar();
@@ -163,6 +164,7 @@ private:
     void placeControls();
     void connectHandlers();
     void refreshClock();
+    void showAccuracySums();
 
     enum class Block { Lewis, Langelier, Russell };
     bool rejectText(QLineEdit* box);

@@ -1,5 +1,6 @@
 #include "mainwindow/frmproperties.h"
 
+#include "mainwindow/frmmain.h"
 #include "mainwindow/properties.h"
 #include "results/windowsupport.h"
 
@@ -17,8 +18,6 @@ namespace velmora {
 
 namespace {
 
-frmproperties* s_instance = nullptr;
-
 QLineEdit* addRow(QGroupBox* frame, QFormLayout* form, const char* name, const char* label) {
     auto* box = new QLineEdit(frame);
     box->setObjectName(name);
@@ -30,43 +29,11 @@ QLineEdit* addRow(QGroupBox* frame, QFormLayout* form, const char* name, const c
     return box;
 }
 
-// Enables a main-window box, makes it bold and, when given, sets its text.
-void showOnMainWindow(const char* name, const QString* text) {
-    QLineEdit* box = mainControl<QLineEdit>(name);
-    if (!box) return;
-    box->setEnabled(true);
-    QFont f = box->font();
-    f.setBold(true);
-    box->setFont(f);
-    if (text) {
-        box->setText(*text);
-        box->setCursorPosition(0);
-    }
-}
-
-void enableSampleFrame() {
-    if (QWidget* frame = mainControl<QWidget>("frasample")) frame->setEnabled(true);
-}
-
 } // namespace
-
-frmproperties* frmproperties::instance() {
-    if (!s_instance) s_instance = new frmproperties;
-    return s_instance;
-}
-
-bool frmproperties::isLoaded() {
-    return s_instance != nullptr;
-}
-
-frmproperties::~frmproperties() {
-    if (s_instance == this) s_instance = nullptr;
-}
 
 frmproperties::frmproperties() {
     setObjectName("frmproperties");
     setWindowTitle("Sample properties");
-    setAttribute(Qt::WA_DeleteOnClose);
 
     auto* frame1 = new QGroupBox("Operator and organization :", this);
     frame1->setObjectName("Frame1");
@@ -125,32 +92,31 @@ QString frmproperties::location() const {
 
 void frmproperties::cmdOK_Click() {
     const QString name = operatorName();
-    const QString family = familyName();
     const QString organ = organization();
     const QString when = date();
     const QString where = location();
 
-    for (const char* box : {"txtnam", "txtorg", "txtdat", "txtloc"})
-        showOnMainWindow(box, nullptr);
-    if (!name.isEmpty()) {
-        const QString text = "operator name :" + name + " " + family;
-        showOnMainWindow("txtnam", &text);
-        enableSampleFrame();
-    }
-    if (!organ.isEmpty()) {
-        const QString text = "Organization name :" + organ;
-        showOnMainWindow("txtorg", &text);
-        enableSampleFrame();
-    }
-    if (!when.isEmpty()) {
-        const QString text = "Date of samplling :" + when;
-        showOnMainWindow("txtdat", &text);
-        enableSampleFrame();
-    }
-    if (!where.isEmpty()) {
-        const QString text = "sample location name :" + where;
-        showOnMainWindow("txtloc", &text);
-        enableSampleFrame();
+    if (frmMain::isLoaded()) {
+        frmMain* m = frmMain::instance();
+        // Each text behind its prefix; an empty field leaves its box as it was.
+        const std::pair<QLineEdit*, QString> shown[] = {
+            {m->txtnam, name.isEmpty() ? QString() : "operator name :" + name + " " + familyName()},
+            {m->txtorg, organ.isEmpty() ? QString() : "Organization name :" + organ},
+            {m->txtdat, when.isEmpty() ? QString() : "Date of samplling :" + when},
+            {m->txtloc, where.isEmpty() ? QString() : "sample location name :" + where},
+        };
+        for (const auto& [box, text] : shown) {
+            box->setEnabled(true);
+            QFont f = box->font();
+            f.setBold(true);
+            box->setFont(f);
+        }
+        for (const auto& [box, text] : shown) {
+            if (text.isEmpty()) continue;
+            box->setText(text);
+            box->setCursorPosition(0);
+            m->frasample->setEnabled(true);
+        }
     }
     hide();
 }

@@ -3,6 +3,8 @@
 // while it is loaded.
 #pragma once
 
+#include "mainwindow/formsupport.h"
+
 #include <QString>
 #include <QWidget>
 
@@ -10,14 +12,10 @@ class QLineEdit;
 
 namespace velmora {
 
-class frmproperties : public QWidget {
+class frmproperties : public SingleWindow<frmproperties, QWidget> {
     Q_OBJECT
 
 public:
-    static frmproperties* instance();
-    static bool isLoaded();
-    ~frmproperties() override;
-
     QString operatorName() const;
     QString familyName() const;
     QString organization() const;
@@ -29,6 +27,7 @@ public slots:
     void cmdCancel_Click();
 
 private:
+    friend SingleWindow;
     frmproperties();
     QLineEdit* txtname_ = nullptr;
     QLineEdit* txtfamily_ = nullptr;

@@ -2,37 +2,23 @@
 // (velmora::theOptions().equations) and touches nothing else.
 #pragma once
 
-#include <QDialog>
-
-class QGroupBox;
-class QLabel;
-class QPushButton;
-class QRadioButton;
+#include "mainwindow/formsupport.h"
+#include "options/choicedialog.h"
 
 namespace velmora {
 
-class frmactivity : public QDialog {
+class frmactivity : public SingleWindow<frmactivity, ChoiceDialog> {
     Q_OBJECT
 
 public:
-    static frmactivity* instance();
-    static bool isLoaded();
-    ~frmactivity() override;
-
-    QGroupBox* frame = nullptr; // named frmactivity, like the dialog
     QLabel* lblactivity = nullptr;
     QRadioButton *optdebye = nullptr, *optgun = nullptr, *optedebye = nullptr, *optdavies = nullptr;
-    QPushButton *cmdOK = nullptr, *cmdCancel = nullptr;
 
 public slots:
-    void cmdOK_Click();
-    void cmdCancel_Click();
-    void reject() override;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
+    void cmdOK_Click() override;
 
 private:
+    friend SingleWindow;
     frmactivity();
 };
 

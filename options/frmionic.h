@@ -4,37 +4,23 @@
 // window's boxes for the chosen equation.
 #pragma once
 
-#include <QDialog>
-
-class QGroupBox;
-class QLabel;
-class QPushButton;
-class QRadioButton;
+#include "mainwindow/formsupport.h"
+#include "options/choicedialog.h"
 
 namespace velmora {
 
-class frmionic : public QDialog {
+class frmionic : public SingleWindow<frmionic, ChoiceDialog> {
     Q_OBJECT
 
 public:
-    static frmionic* instance();
-    static bool isLoaded();
-    ~frmionic() override;
-
-    QGroupBox* frame = nullptr; // named frmionic, like the dialog
     QLabel* lblionic = nullptr;
     QRadioButton *optrus = nullptr, *optlang = nullptr, *optlewis = nullptr;
-    QPushButton *cmdOK = nullptr, *cmdCancel = nullptr;
 
 public slots:
-    void cmdOK_Click();
-    void cmdCancel_Click();
-    void reject() override;
-
-protected:
-    void closeEvent(QCloseEvent* event) override;
+    void cmdOK_Click() override;
 
 private:
+    friend SingleWindow;
     frmionic();
 };
 

@@ -9,7 +9,6 @@
 
 #include <QAction>
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QGroupBox>
 #include <QKeyEvent>
 #include <QLabel>
@@ -18,32 +17,12 @@
 #include <QTabBar>
 
 #include <exception>
-#include <initializer_list>
 
 namespace velmora {
 
-namespace {
-frmOptions* s_options = nullptr;
-}
-
-frmOptions* frmOptions::instance() {
-    if (!s_options) s_options = new frmOptions();
-    return s_options;
-}
-
-bool frmOptions::isLoaded() {
-    return s_options != nullptr;
-}
-
-frmOptions::~frmOptions() {
-    if (s_options == this) s_options = nullptr;
-}
-
-frmOptions::frmOptions() : QDialog(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
-    s_options = this;
+frmOptions::frmOptions() : SingleWindow(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
     setObjectName(QStringLiteral("frmOptions"));
     setWindowTitle(QStringLiteral("Options"));
-    setAttribute(Qt::WA_DeleteOnClose);
     setModal(false);
     QFont arial(QStringLiteral("Arial"));
     arial.setPointSize(8);
@@ -184,11 +163,9 @@ void frmOptions::selectNextTab() {
 }
 
 void frmOptions::chkphsweep_Click() {
-    const bool on = chkphsweep->isChecked();
-    for (QWidget* w :
-         std::initializer_list<QWidget*>{frasweep, txtinitialph, txtincrementph, txtstep, lblini,
-                                         lblnum, lblstep, lblini2, lblnum2, lblstep2})
-        w->setEnabled(on);
+    setEnabledAll({frasweep, txtinitialph, txtincrementph, txtstep, lblini, lblnum, lblstep,
+                   lblini2, lblnum2, lblstep2},
+                  chkphsweep->isChecked());
 }
 
 void frmOptions::showMessage(const std::string& text) {
@@ -215,6 +192,14 @@ void frmOptions::txtstep_Change() {
 }
 
 bool frmOptions::cmdApply_Click() {
+    return apply(false);
+}
+
+void frmOptions::cmdOK_Click() {
+    apply(true);
+}
+
+bool frmOptions::apply(bool hideOnceApplied) {
     IndexFlags& flags = theOptions().index;
     flags.blli = chkli->isChecked();
     flags.blri = chkri->isChecked();
@@ -228,34 +213,29 @@ bool frmOptions::cmdApply_Click() {
     // chloride and sulphate follow the Larson-Skold choice
     frmMain* m = frmMain::instance();
     const EquationFlags& eq = theOptions().equations;
-    const std::initializer_list<QWidget*> anions = {m->frmanions, m->txtcl, m->txtso4, m->lblcl,
-                                                    m->lblso4};
-    auto setAnions = [&](bool on) {
-        for (QWidget* w : anions)
-            w->setEnabled(on);
+    auto anions = [m](bool on) {
+        setEnabledAll({m->frmanions, m->txtcl, m->txtso4, m->lblcl, m->lblso4}, on);
+    };
+    auto yellow = [m] {
+        setBackColor(m->txtcl, vb::Yellow);
+        setBackColor(m->txtso4, vb::Yellow);
     };
     if (eq.bllang) {
         if (flags.bllr) {
-            setAnions(true);
-            setBackColor(m->txtcl, vb::Yellow);
-            setBackColor(m->txtso4, vb::Yellow);
+            anions(true);
+            yellow();
             m->cmdread->setEnabled(false);
         } else {
-            setAnions(false);
+            anions(false);
             m->txtso4->setText(QString());
             m->txtcl->setText(QString());
-            setBackColor(m->txtcl, vb::Yellow);
-            setBackColor(m->txtso4, vb::Yellow);
-            bool complete = true;
-            for (const QLineEdit* b : {m->txtca, m->txtalk, m->txtph, m->txtt, m->txttds})
-                complete = complete && !b->text().isEmpty();
-            m->cmdread->setEnabled(complete);
+            yellow();
+            m->cmdread->setEnabled(allFilled({m->txtca, m->txtalk, m->txtph, m->txtt, m->txttds}));
         }
     }
     if (eq.blrus) {
-        setAnions(flags.bllr);
-        setBackColor(m->txtcl, vb::Yellow);
-        setBackColor(m->txtso4, vb::Yellow);
+        anions(flags.bllr);
+        yellow();
         if (flags.bllr) m->cmdread->setEnabled(false);
     }
 
@@ -271,13 +251,14 @@ bool frmOptions::cmdApply_Click() {
                 return false;
             }
         } catch (const std::exception& e) {
-            platform().message(this,
-                               QStringLiteral("Apply failed: %1.").arg(QString::fromUtf8(e.what())),
-                               QStringLiteral("Velmora"), Platform::Icon::Critical);
+            // like every message of this dialog: OK only, no icon
+            showMessage(std::string("Apply failed: ") + e.what() + ".");
             return false;
         }
         m->cmdread->setEnabled(true);
     }
+    // OK: the dialog goes before the workflow moves back
+    if (hideOnceApplied) hide();
 
     m->cmdcalc->setEnabled(false);
     m->cmdaccuracy->setEnabled(false);
@@ -287,21 +268,12 @@ bool frmOptions::cmdApply_Click() {
     return true;
 }
 
-void frmOptions::cmdOK_Click() {
-    if (cmdApply_Click()) hide();
-}
-
 void frmOptions::cmdCancel_Click() {
     close();
 }
 
 void frmOptions::reject() {
     cmdCancel_Click();
-}
-
-void frmOptions::closeEvent(QCloseEvent* event) {
-    event->accept();
-    if (s_options == this) s_options = nullptr;
 }
 
 } // namespace velmora

@@ -4,6 +4,8 @@
 // which outlive the dialog, and rearranges the main window.
 #pragma once
 
+#include "mainwindow/formsupport.h"
+
 #include <QDialog>
 
 #include <optional>
@@ -18,15 +20,12 @@ class QTabBar;
 
 namespace velmora {
 
-class frmOptions : public QDialog {
+// The one Options dialog (instance()), created hidden with its design
+// values on first use.
+class frmOptions : public SingleWindow<frmOptions, QDialog> {
     Q_OBJECT
 
 public:
-    // The one Options dialog, created hidden with its design values on first use.
-    static frmOptions* instance();
-    static bool isLoaded();
-    ~frmOptions() override;
-
     QTabBar* tbsOptions = nullptr;
     QWidget* picoptions[2] = {nullptr, nullptr}; // the two pages
     QGroupBox *fraSample2 = nullptr, *frasweep = nullptr;
@@ -54,11 +53,13 @@ public slots:
     void reject() override; // Escape is Cancel
 
 protected:
-    void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    friend SingleWindow;
     frmOptions();
+    // Apply; OK hides the dialog once the sweep is applied.
+    bool apply(bool hideOnceApplied);
     void showMessage(const std::string& text);
     void checkBox(QLineEdit* box, const std::optional<std::string>& message);
 };

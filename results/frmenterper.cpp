@@ -1,5 +1,7 @@
 #include "results/frmenterper.h"
 
+#include "platform/platform.h"
+
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <QToolTip>
@@ -7,50 +9,32 @@
 namespace velmora {
 
 namespace {
-frmenterper* s_instance = nullptr;
 
 // Text1 is 4815 x 1935 twips at the top left corner; the window leaves a
-// band on its right and below it where the severity colour shows.
-constexpr int kText1Width = 321;
-constexpr int kText1Height = 129;
-constexpr int kColourBand = 36;
+// band of 540 twips on its right and below it where the severity colour shows.
+constexpr int kText1Width = 4815;
+constexpr int kText1Height = 1935;
+constexpr int kColourBand = 540;
 } // namespace
-
-frmenterper* frmenterper::instance() {
-    if (!s_instance) s_instance = new frmenterper;
-    return s_instance;
-}
-
-bool frmenterper::isLoaded() {
-    return s_instance != nullptr;
-}
 
 frmenterper::frmenterper() {
     setObjectName("frmenterper");
-    setAttribute(Qt::WA_DeleteOnClose);
     setAutoFillBackground(true);
-    setFixedSize(kText1Width + kColourBand, kText1Height + kColourBand);
+    const int width = twipsToPixelsX(kText1Width), height = twipsToPixelsY(kText1Height);
+    setFixedSize(width + twipsToPixelsX(kColourBand), height + twipsToPixelsY(kColourBand));
 
     text1_ = new QPlainTextEdit(this);
     text1_->setObjectName("Text1");
-    text1_->setGeometry(0, 0, kText1Width, kText1Height);
+    text1_->setGeometry(0, 0, width, height);
     text1_->setReadOnly(true);
     text1_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     text1_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     text1_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // Blue text on the tooltip colour, active or not.
     QPalette pal = text1_->palette();
-    const QColor tipBase = QToolTip::palette().color(QPalette::ToolTipBase);
-    pal.setColor(QPalette::Base, tipBase);
+    pal.setColor(QPalette::Base, QToolTip::palette().color(QPalette::ToolTipBase));
     pal.setColor(QPalette::Text, QColor(0, 0, 255));
-    for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        pal.setColor(g, QPalette::Base, tipBase);
-        pal.setColor(g, QPalette::Text, QColor(0, 0, 255));
-    }
     text1_->setPalette(pal);
-}
-
-frmenterper::~frmenterper() {
-    if (s_instance == this) s_instance = nullptr;
 }
 
 void frmenterper::setBackColour(const QColor& colour) {

@@ -2,6 +2,8 @@
 // of its severity colour.
 #pragma once
 
+#include "mainwindow/formsupport.h"
+
 #include <QColor>
 #include <QWidget>
 
@@ -9,14 +11,10 @@ class QPlainTextEdit;
 
 namespace velmora {
 
-class frmenterper : public QWidget {
+class frmenterper : public SingleWindow<frmenterper, QWidget> {
     Q_OBJECT
 
 public:
-    static frmenterper* instance();
-    static bool isLoaded();
-    ~frmenterper() override;
-
     // The explanation box, at the window's top left corner.
     QPlainTextEdit* text1() const { return text1_; }
 
@@ -28,6 +26,7 @@ public:
     void setTextBold();
 
 private:
+    friend SingleWindow;
     frmenterper();
     QPlainTextEdit* text1_ = nullptr;
 };

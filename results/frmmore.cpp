@@ -18,8 +18,6 @@ namespace velmora {
 
 namespace {
 
-frmmore* s_instance = nullptr;
-
 struct Field {
     const char* box;
     const char* label;
@@ -93,23 +91,9 @@ QGroupBox* makeFrame(const char* name, const char* caption, QWidget* parent) {
 
 } // namespace
 
-frmmore* frmmore::instance() {
-    if (!s_instance) s_instance = new frmmore;
-    return s_instance;
-}
-
-bool frmmore::isLoaded() {
-    return s_instance != nullptr;
-}
-
-frmmore::~frmmore() {
-    if (s_instance == this) s_instance = nullptr;
-}
-
 frmmore::frmmore() {
     setObjectName("frmmore");
     setWindowTitle("Equilibrium chemical data");
-    setAttribute(Qt::WA_DeleteOnClose);
 
     QGroupBox* water = makeFrame("frmwater", "Water chemistry :", this);
     addFields(water, kWater, 5, true);

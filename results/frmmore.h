@@ -4,24 +4,20 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "mainwindow/formsupport.h"
 
 #include <QWidget>
 
 class QGroupBox;
 class QLabel;
 class QLineEdit;
-class QPushButton;
 
 namespace velmora {
 
-class frmmore : public QWidget {
+class frmmore : public SingleWindow<frmmore, QWidget> {
     Q_OBJECT
 
 public:
-    static frmmore* instance();
-    static bool isLoaded();
-    ~frmmore() override;
-
     // Writes the equilibrium values of element 0 and the record's constants.
     void publishEquilibrium(const Engine& engine);
     // The Debye-Huckel coefficients (Debye-Huckel equation chosen).
@@ -33,6 +29,7 @@ public slots:
     void cmddiscript_Click();
 
 private:
+    friend SingleWindow;
     frmmore();
     QLineEdit* box(const char* name) const;
     QLabel* label(const char* name) const;

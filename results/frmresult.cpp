@@ -1,6 +1,7 @@
 #include "results/frmresult.h"
 
 #include "engine/numformat.h"
+#include "mainwindow/frmmain.h"
 #include "platform/platform.h"
 #include "results/frmenterper.h"
 #include "results/frmmore.h"
@@ -25,49 +26,33 @@ using interp::Index;
 
 namespace {
 
-frmresult* s_instance = nullptr;
-
-// Where each index lives on the window and how its value is written.
+// Where each index lives on the window, how its value is written and which
+// handler its interpretation button runs.
 struct IndexDesign {
     Index index;
     const char* labelName;
     const char* labelCaption;
     const char* boxName;
     bool rounded; // rounded to 4 decimals, otherwise the scientific pattern
+    void (frmresult::*click)();
 };
 
 const IndexDesign kDesign[] = {
-    {Index::Langelier, "lbllan", "Langelier        =", "txtlan", true},
-    {Index::Ryznar, "lblryz", "Ryznar           =", "txtryz", true},
-    {Index::Puckorius, "lblpor", "puckorius      =", "txtpor", true},
-    {Index::DrivingForce, "lbldfi", "Driving Force         =", "txtdfi", false},
-    {Index::MomentaryExcess, "lblme", "Momentary Excess=", "txtme", false},
-    {Index::Aggressiveness, "lblai", "Aggressiveness     =", "txtai", false},
-    {Index::SaturationLevel, "lblsl", "Saturation Level    =", "txtsl", false},
-    {Index::LarsonSkold, "lbllr", "Larson-Scold =", "txtlr", false},
+    {Index::Langelier, "lbllan", "Langelier        =", "txtlan", true, &frmresult::cmdlan_Click},
+    {Index::Ryznar, "lblryz", "Ryznar           =", "txtryz", true, &frmresult::cmdri_Click},
+    {Index::Puckorius, "lblpor", "puckorius      =", "txtpor", true, &frmresult::cmdpor_Click},
+    {Index::DrivingForce, "lbldfi", "Driving Force         =", "txtdfi", false,
+     &frmresult::cmddfi_Click},
+    {Index::MomentaryExcess, "lblme", "Momentary Excess=", "txtme", false, &frmresult::cmdme_Click},
+    {Index::Aggressiveness, "lblai", "Aggressiveness     =", "txtai", false,
+     &frmresult::cmdai_Click},
+    {Index::SaturationLevel, "lblsl", "Saturation Level    =", "txtsl", false,
+     &frmresult::cmdsl_Click},
+    {Index::LarsonSkold, "lbllr", "Larson-Scold =", "txtlr", false, &frmresult::cmdlr_Click},
 };
 
 double valueAtMeasuredPh(const Engine& engine, Index index) {
-    const SweepArrays& sw = engine.sw;
-    switch (index) {
-    case Index::Langelier:
-        return sw.li(0);
-    case Index::Ryznar:
-        return sw.ri(0);
-    case Index::Puckorius:
-        return sw.por(0);
-    case Index::Aggressiveness:
-        return sw.ai(0);
-    case Index::DrivingForce:
-        return sw.dfi(0);
-    case Index::LarsonSkold:
-        return sw.lr(0);
-    case Index::MomentaryExcess:
-        return sw.me(0);
-    case Index::SaturationLevel:
-        return sw.sl(0);
-    }
-    return 0;
+    return (engine.sw.*interp::indexArray(index))(0);
 }
 
 // The button look that paints its background colour; the design state
@@ -88,23 +73,9 @@ int valueBoxWidth(const QLineEdit* box) {
 
 } // namespace
 
-frmresult* frmresult::instance() {
-    if (!s_instance) s_instance = new frmresult;
-    return s_instance;
-}
-
-bool frmresult::isLoaded() {
-    return s_instance != nullptr;
-}
-
-frmresult::~frmresult() {
-    if (s_instance == this) s_instance = nullptr;
-}
-
 frmresult::frmresult() {
     setObjectName("frmresult");
     setWindowTitle("Results");
-    setAttribute(Qt::WA_DeleteOnClose);
 
     fraindex_ = new QGroupBox("Water stability indices at measured pH :", this);
     fraindex_->setObjectName("fraindex");
@@ -134,6 +105,7 @@ frmresult::frmresult() {
         c.button->setObjectName(interp::buttonName(d.index));
         c.button->setStyleSheet(buttonStyle(c.button->palette().color(QPalette::Button)));
         c.button->setMinimumHeight(30);
+        connect(c.button, &QPushButton::clicked, this, d.click);
         indices_.push_back(c);
         ++row;
     }
@@ -168,21 +140,6 @@ frmresult::frmresult() {
         c.button->setEnabled(false);
     }
 
-    connect(controls(Index::Langelier).button, &QPushButton::clicked, this,
-            &frmresult::cmdlan_Click);
-    connect(controls(Index::Ryznar).button, &QPushButton::clicked, this, &frmresult::cmdri_Click);
-    connect(controls(Index::Puckorius).button, &QPushButton::clicked, this,
-            &frmresult::cmdpor_Click);
-    connect(controls(Index::Aggressiveness).button, &QPushButton::clicked, this,
-            &frmresult::cmdai_Click);
-    connect(controls(Index::DrivingForce).button, &QPushButton::clicked, this,
-            &frmresult::cmddfi_Click);
-    connect(controls(Index::LarsonSkold).button, &QPushButton::clicked, this,
-            &frmresult::cmdlr_Click);
-    connect(controls(Index::MomentaryExcess).button, &QPushButton::clicked, this,
-            &frmresult::cmdme_Click);
-    connect(controls(Index::SaturationLevel).button, &QPushButton::clicked, this,
-            &frmresult::cmdsl_Click);
     connect(cmdmore_, &QPushButton::clicked, this, &frmresult::cmdmore_Click);
 
     adjustSize();
@@ -242,7 +199,7 @@ void frmresult::clearLangelierRyznar() {
 }
 
 void frmresult::interpret(Index index) {
-    if (auto* cmdcalc = mainControl<QPushButton>("cmdcalc")) cmdcalc->setEnabled(false);
+    if (frmMain::isLoaded()) frmMain::instance()->cmdcalc->setEnabled(false);
 
     const bool fresh = !frmenterper::isLoaded();
     frmenterper* w = frmenterper::instance();

@@ -2,7 +2,7 @@
 // interpretation button per index and the way to the equilibrium data.
 #pragma once
 
-#include "engine/engine.h"
+#include "mainwindow/formsupport.h"
 #include "options/optionstate.h"
 #include "results/interpretation.h"
 
@@ -19,15 +19,12 @@ class QPushButton;
 
 namespace velmora {
 
-class frmresult : public QWidget {
+// The one Results window (instance()), created hidden in its design state on
+// first use.
+class frmresult : public SingleWindow<frmresult, QWidget> {
     Q_OBJECT
 
 public:
-    // The one Results window, created (hidden, in its design state) on first use.
-    static frmresult* instance();
-    static bool isLoaded();
-    ~frmresult() override;
-
     // Enables the frames, labels, boxes and buttons of every index and writes
     // the values of element 0 (the first step of publishing the results).
     void publishIndices(const Engine& engine);
@@ -60,6 +57,7 @@ public slots:
     void cmdmore_Click();
 
 private:
+    friend SingleWindow;
     frmresult();
     struct IndexControls {
         interp::Index index;

@@ -5,23 +5,6 @@
 
 namespace velmora {
 
-namespace {
-frmsymbols* s_instance = nullptr;
-} // namespace
-
-frmsymbols* frmsymbols::instance() {
-    if (!s_instance) s_instance = new frmsymbols;
-    return s_instance;
-}
-
-bool frmsymbols::isLoaded() {
-    return s_instance != nullptr;
-}
-
-frmsymbols::~frmsymbols() {
-    if (s_instance == this) s_instance = nullptr;
-}
-
 const QStringList& frmsymbols::definitions() {
     static const QStringList texts = {
         "lant    =Activity coeficient for trivalant ions",
@@ -61,7 +44,6 @@ const QStringList& frmsymbols::definitions() {
 frmsymbols::frmsymbols() {
     setObjectName("frmsymbols");
     setWindowTitle("Symbols definition");
-    setAttribute(Qt::WA_DeleteOnClose);
 
     auto* layout = new QVBoxLayout(this);
     layout->setSpacing(2);

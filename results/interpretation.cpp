@@ -148,12 +148,17 @@ std::vector<Row> aggressivenessRows() {
     };
 }
 
+// The driving force and the saturation level read alike around saturation.
+Row saturatedRow() {
+    return {open(0.98, 1.02),
+            kPaleGreen,
+            {"Description :   Water Saturated with Respect to caco3",
+             "General recomendation : probably No Treatment"}};
+}
+
 std::vector<Row> drivingForceRows() {
     return {
-        {open(0.98, 1.02),
-         kPaleGreen,
-         {"Description :   Water Saturated with Respect to caco3",
-          "General recomendation : probably No Treatment"}},
+        saturatedRow(),
         {atLeast(1.02),
          kPaleYellow,
          {"Description :  Water is Oversaturated with Respect to caco3",
@@ -203,10 +208,7 @@ std::vector<Row> momentaryExcessRows() {
 
 std::vector<Row> saturationLevelRows() {
     return {
-        {open(0.98, 1.02),
-         kPaleGreen,
-         {"Description :   Water Saturated with Respect to caco3",
-          "General recomendation : probably No Treatment"}},
+        saturatedRow(),
         {atLeast(1.02),
          kPaleYellow,
          {"Description :  Water is Oversaturated with Respect to caco3",
@@ -223,6 +225,7 @@ std::vector<Row> saturationLevelRows() {
 
 struct IndexInfo {
     Index index;
+    PointArray SweepArrays::*array;
     const char* button;
     const char* caption;
     const char* window;
@@ -231,20 +234,21 @@ struct IndexInfo {
 
 const std::vector<IndexInfo>& infos() {
     static const std::vector<IndexInfo> all = {
-        {Index::Langelier, "cmdlan", "Langelier", "Langelier index interpretation",
-         langelierRows()},
-        {Index::Ryznar, "cmdri", "Ryznar", "Ryznar index interpretation", ryznarRows()},
-        {Index::Puckorius, "cmdpor", "Puckorius", "Puckorius index interpretation",
-         puckoriusRows()},
-        {Index::Aggressiveness, "cmdai", "Aggressiveness", "Aggressiveness index interpretation",
-         aggressivenessRows()},
-        {Index::DrivingForce, "cmddfi", "Driving Force", "Driving Force index interpretation",
-         drivingForceRows()},
-        {Index::LarsonSkold, "cmdlr", "Larson -Scold", "Larson-Scold index interpretation",
-         larsonSkoldRows()},
-        {Index::MomentaryExcess, "cmdme", "Momentary Excess",
+        {Index::Langelier, &SweepArrays::li, "cmdlan", "Langelier",
+         "Langelier index interpretation", langelierRows()},
+        {Index::Ryznar, &SweepArrays::ri, "cmdri", "Ryznar", "Ryznar index interpretation",
+         ryznarRows()},
+        {Index::Puckorius, &SweepArrays::por, "cmdpor", "Puckorius",
+         "Puckorius index interpretation", puckoriusRows()},
+        {Index::Aggressiveness, &SweepArrays::ai, "cmdai", "Aggressiveness",
+         "Aggressiveness index interpretation", aggressivenessRows()},
+        {Index::DrivingForce, &SweepArrays::dfi, "cmddfi", "Driving Force",
+         "Driving Force index interpretation", drivingForceRows()},
+        {Index::LarsonSkold, &SweepArrays::lr, "cmdlr", "Larson -Scold",
+         "Larson-Scold index interpretation", larsonSkoldRows()},
+        {Index::MomentaryExcess, &SweepArrays::me, "cmdme", "Momentary Excess",
          "Momentary Excess index interpretation", momentaryExcessRows()},
-        {Index::SaturationLevel, "cmdsl", "Saturation Level",
+        {Index::SaturationLevel, &SweepArrays::sl, "cmdsl", "Saturation Level",
          "Carbonate saturation Level interpretation", saturationLevelRows()},
     };
     return all;
@@ -313,6 +317,10 @@ const Row* rowFor(Index index, double value) {
     // more severe band rather than shown without any explanation.
     if (!found && index == Index::LarsonSkold && value == 1.2) found = &rows.back();
     return found;
+}
+
+PointArray SweepArrays::*indexArray(Index index) {
+    return info(index).array;
 }
 
 const char* buttonCaption(Index index) {

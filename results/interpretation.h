@@ -6,6 +6,8 @@
 // Plain C++ so that any part of the program can use the same texts.
 #pragma once
 
+#include "engine/engine.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,6 +66,11 @@ const std::vector<Row>& table(Index index);
 // interpretation.cpp; nullptr when no row applies (a value that is not a
 // number).
 const Row* rowFor(Index index, double value);
+
+// The array of the sweep arrays that holds the index (li, ri, por, ...);
+// element 0 is the value at the measured pH:
+//     (engine.sw.*indexArray(Index::Ryznar))(0)
+PointArray SweepArrays::*indexArray(Index index);
 
 // The caption of the index's button on the Results window ("Larson -Scold").
 const char* buttonCaption(Index index);

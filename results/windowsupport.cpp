@@ -20,10 +20,4 @@ void showInFront(QWidget* window) {
     }
 }
 
-QWidget* mainWindow() {
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->inherits("velmora::frmMain") || w->inherits("frmMain")) return w;
-    return nullptr;
-}
-
 } // namespace velmora

@@ -439,6 +439,45 @@ TEST(BatchRows, AcceptedLewisRowsCarryTheSums) {
     EXPECT_FALSE(r.rows[0][kDiff].empty());
 }
 
+// Every number of a point row is written as the shortest text of its value:
+// the 23 of every row, and the three sums when the ion balance ran.
+TEST(BatchRows, NumbersAreTheirShortestTexts) {
+    const std::string balanced = "sample,t,ph,alk,ca,na,cl,hco3,co3\n"
+                                 "balanced,25,7,50,20.1,22.99,35.453,61,0\n";
+    struct Case {
+        const char* name;
+        std::string input;
+        std::vector<std::string> args;
+        int lastNumber; // the last column that holds a number
+    };
+    const std::vector<Case> cases = {
+        {"langelier", kHeader + kWorked, {}, kCt},
+        {"langelier_sweep", kHeader + kWorked, {"--sweep", "6.5,0.5,5"}, kCt},
+        {"lewis", balanced, {"--ionic", "lewis"}, kDiff},
+        {"lewis_sweep_davies",
+         balanced,
+         {"--ionic=lewis", "--activity=davies", "--sweep=4,0.2,50"},
+         kDiff},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Result r = calc(c.input, c.args);
+        EXPECT_EQ(r.status, 0) << r.text;
+        ASSERT_FALSE(r.rows.empty());
+        for (const auto& row : r.rows) {
+            ASSERT_EQ(row.size(), static_cast<std::size_t>(kColumns));
+            for (int col = kPh; col < kMessage; ++col) {
+                if (col > c.lastNumber) {
+                    EXPECT_EQ(row[col], "") << "column " << col;
+                    continue;
+                }
+                const double v = num(row[col]);
+                EXPECT_EQ(row[col], fmt::shortest(v)) << "column " << col;
+            }
+        }
+    }
+}
+
 TEST(BatchRows, SweepFailingMidwayReportsItsPoint) {
     // a measured pH of 13 with little alkalinity leaves a negative carbonate
     // total; at pH 11 the alkalinity of the point is negative

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -9,6 +10,8 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <vector>
 
 using namespace velmora;
@@ -208,6 +211,178 @@ TEST(NumFormat, ShortestAgreesWithToChars) {
         if (!back || *back != v) ADD_FAILURE() << mine << " does not read back";
     }
     EXPECT_EQ(mismatches, 0);
+}
+
+// The digits of most values come from one product with a cached power of
+// ten, and only the cases on the edge of the rounding interval take the long
+// way; those edges are where short decimals and their neighbours lie, and
+// every binary exponent has its own cached power.
+TEST(NumFormat, ShortestAgreesWithToCharsAtEveryExponentAndEdge) {
+    std::mt19937_64 random(2024);
+    std::vector<double> values;
+    for (std::uint64_t e = 1; e < 2047; ++e) { // normal numbers, random mantissas
+        for (int i = 0; i < 40; ++i) {
+            const std::uint64_t bits = (e << 52) | (random() & ((std::uint64_t{1} << 52) - 1));
+            double x;
+            std::memcpy(&x, &bits, sizeof x);
+            values.push_back(x);
+        }
+    }
+    for (int i = 0; i < 40000; ++i) { // short decimals and their nearest neighbours
+        const std::string text = std::to_string(random() % 100000000) + "e" +
+                                 std::to_string(static_cast<int>(random() % 640) - 320);
+        double x = 0;
+        std::from_chars(text.data(), text.data() + text.size(), x);
+        double up = x, down = x;
+        for (int k = 0; k < 3; ++k) {
+            values.insert(values.end(), {up, down});
+            up = std::nextafter(up, HUGE_VAL);
+            down = std::nextafter(down, 0.0);
+        }
+    }
+    for (int i = 0; i < 20000; ++i) { // integers, halves and quarters of every size
+        const std::uint64_t m = random() >> (random() % 64);
+        values.push_back(std::ldexp(static_cast<double>(m), static_cast<int>(random() % 8) - 2));
+    }
+    int mismatches = 0;
+    for (double v : values) {
+        if (!std::isfinite(v)) continue;
+        char expected[64];
+        const auto end = std::to_chars(expected, expected + sizeof expected, v).ptr;
+        const std::string mine = fmt::shortest(v);
+        if (mine != std::string(expected, end) && ++mismatches <= 10)
+            ADD_FAILURE() << std::string(expected, end) << " written as " << mine;
+    }
+    EXPECT_EQ(mismatches, 0);
+}
+
+// A row of numbers at once gives the same text as one number at a time,
+// special values and groups of every length included.
+TEST(NumFormat, ShortestListMatchesShortest) {
+    const double specials[] = {0.0,
+                               -0.0,
+                               HUGE_VAL,
+                               -HUGE_VAL,
+                               std::numeric_limits<double>::quiet_NaN(),
+                               5e-324,
+                               -2.2250738585072009e-308,
+                               0.5,
+                               1024,
+                               9007199254740994.0,
+                               123456789012345680000.0,
+                               1e22,
+                               1e23,
+                               0.0001234,
+                               -1e-5,
+                               7.46,
+                               -0.0193472861,
+                               1.7976931348623157e308};
+    std::mt19937_64 random(99);
+    std::vector<double> values(std::begin(specials), std::end(specials));
+    std::uniform_real_distribution<double> exponent(-12, 6);
+    while (values.size() < 200) {
+        const double x = std::pow(10.0, exponent(random));
+        values.push_back(random() % 2 ? x : -x);
+    }
+    for (std::size_t count : {0, 1, 3, 23, 26, 32, 33, 70, 200}) {
+        SCOPED_TRACE(count);
+        std::string expected;
+        for (std::size_t i = 0; i < count; ++i)
+            expected += ';' + fmt::shortest(values[i]);
+        std::vector<char> buffer(49 * count + 1);
+        char* end = fmt::shortestListTo(buffer.data(), values.data(), count, ';');
+        EXPECT_EQ(std::string(buffer.data(), end), expected);
+    }
+}
+
+// Short texts of every shape read exactly as the standard library reads the
+// same number: all texts of up to five characters over the characters that
+// matter, then longer ones at random, some of them just past the eight
+// characters the quick reading takes.
+TEST(NumFormat, ShortTextsReadAsFromChars) {
+    auto check = [](const std::string& text) {
+        std::size_t b = text.find_first_not_of(" \t"), e = text.find_last_not_of(" \t");
+        const std::string core = b == std::string::npos ? "" : text.substr(b, e - b + 1);
+        // [sign] (digits [. digits] | . digits) [e [sign] digits]
+        std::size_t i = 0;
+        if (i < core.size() && (core[i] == '+' || core[i] == '-')) ++i;
+        const std::size_t mantissa = i;
+        std::size_t digits = 0;
+        while (i < core.size() && std::isdigit(static_cast<unsigned char>(core[i])))
+            ++i, ++digits;
+        if (i < core.size() && core[i] == '.') ++i;
+        while (i < core.size() && std::isdigit(static_cast<unsigned char>(core[i])))
+            ++i, ++digits;
+        bool valid = digits > 0 && i > mantissa;
+        if (valid && i < core.size() && (core[i] == 'e' || core[i] == 'E')) {
+            ++i;
+            if (i < core.size() && (core[i] == '+' || core[i] == '-')) ++i;
+            const std::size_t start = i;
+            while (i < core.size() && std::isdigit(static_cast<unsigned char>(core[i])))
+                ++i;
+            valid = i > start;
+        }
+        valid = valid && i == core.size();
+        double expected = 0;
+        if (valid) {
+            const std::size_t skip = core[0] == '+' ? 1 : 0;
+            const auto r = std::from_chars(core.data() + skip, core.data() + core.size(), expected);
+            if (r.ec == std::errc::result_out_of_range) {
+                // too small reads as zero, too large is not a number
+                valid = core.find("e-") != std::string::npos;
+                expected = core[0] == '-' ? -0.0 : 0.0;
+            }
+        }
+        const auto mine = fmt::strictNumber(text);
+        ASSERT_EQ(mine.has_value(), valid) << "[" << text << "]";
+        if (!valid) return;
+        ASSERT_EQ(std::signbit(*mine), std::signbit(expected)) << text;
+        ASSERT_EQ(*mine, expected) << text;
+        if (core == text) {
+            ASSERT_EQ(fmt::leadingNumber(text), expected) << text;
+        }
+    };
+    const std::string alphabet = "059.-+e a";
+    std::vector<std::string> texts = {""};
+    for (int length = 1; length <= 5; ++length) {
+        std::vector<std::string> longer;
+        for (const std::string& t : texts)
+            if (t.size() == static_cast<std::size_t>(length - 1))
+                for (char c : alphabet)
+                    longer.push_back(t + c);
+        texts.insert(texts.end(), longer.begin(), longer.end());
+    }
+    for (const std::string& t : texts)
+        check(t);
+    std::mt19937 random(4);
+    const std::string characters = "0123456789012345678901234567890123456789.-+";
+    for (int i = 0; i < 200000; ++i) {
+        std::string t(6 + random() % 5, ' ');
+        for (char& c : t)
+            c = characters[random() % characters.size()];
+        check(t);
+    }
+}
+
+// The quick reading looks only at the characters of the text, wherever it
+// lies in memory: a text cut from a longer one reads as its own characters.
+TEST(NumFormat, ReadingStopsAtTheEndOfTheText) {
+    const char buffer[] = "-12.5999999";
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 1)), std::nullopt);
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 2)), -1.0);
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 4)), -12.0);
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 5)), -12.5);
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 8)), -12.5999);
+    EXPECT_EQ(fmt::strictNumber(std::string_view(buffer, 9)), -12.59999);
+    EXPECT_EQ(fmt::leadingNumber(std::string_view(buffer + 1, 3)), 12.0);
+    EXPECT_EQ(fmt::leadingNumber(std::string_view(buffer + 1, 7)), 12.5999);
+    EXPECT_TRUE(std::signbit(*fmt::strictNumber("-0")));
+    EXPECT_TRUE(std::signbit(*fmt::strictNumber("-0.000")));
+    EXPECT_EQ(fmt::strictNumber("12345678"), 12345678.0);
+    EXPECT_EQ(fmt::strictNumber("-1234567"), -1234567.0);
+    EXPECT_EQ(fmt::strictNumber("0.0000001"), 1e-7);
+    EXPECT_EQ(fmt::strictNumber("\xc3\xa9"), std::nullopt);                 // not ASCII
+    EXPECT_EQ(fmt::strictNumber(std::string_view("7\0", 2)), std::nullopt); // a zero byte
 }
 
 // The quick conversion of short numbers must give the correctly rounded value.

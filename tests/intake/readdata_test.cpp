@@ -16,35 +16,43 @@ constexpr const char* kEcMessage = "you Should enter ec,T,pH,Ca and Alk values a
 constexpr const char* kLewisMessage = "you Should enter T,pH,Ca and Alk values at least !";
 constexpr const char* kAlkMessage = "you Should enter TDS,T,pH,Ca and Alk values at least ! !";
 
-// The worked sample: 25 degrees, pH 7.5, alkalinity 200, calcium 80, TDS 400.
-AnalysisTexts workedSample() {
+using A = AnalysisTexts;
+using Box = std::string AnalysisTexts::*;
+
+// The boxes by their names without "txt".
+Box boxNamed(std::string_view name) {
+    static const char* const names[] = {"tds", "ec",  "t",   "ph", "alk", "ca", "mg",
+                                        "k",   "na",  "zn",  "mn", "fe",  "al", "hco3",
+                                        "co3", "no2", "no3", "f",  "cl",  "so4"};
+    static const Box boxes[] = {&A::tds, &A::ec,  &A::t,   &A::ph, &A::alk, &A::ca, &A::mg,
+                                &A::k,   &A::na,  &A::zn,  &A::mn, &A::fe,  &A::al, &A::hco3,
+                                &A::co3, &A::no2, &A::no3, &A::f,  &A::cl,  &A::so4};
+    for (std::size_t i = 0; i < std::size(names); ++i)
+        if (name == names[i]) return boxes[i];
+    ADD_FAILURE() << "no box " << name;
+    return &A::tds;
+}
+
+// The boxes typed in, as "box=text" entries; the others are left empty.
+AnalysisTexts typed(std::initializer_list<std::string_view> entries) {
     AnalysisTexts b;
-    b.t = "25";
-    b.ph = "7.5";
-    b.alk = "200";
-    b.ca = "80";
-    b.tds = "400";
-    b.mg = "24";
-    b.cl = "50";
-    b.so4 = "60";
+    for (std::string_view e : entries) {
+        const std::size_t eq = e.find('=');
+        b.*boxNamed(e.substr(0, eq)) = e.substr(eq + 1);
+    }
     return b;
+}
+
+// The worked sample: 25 degrees, pH 7.5, alkalinity 200, calcium 80, TDS 400
+// (magnesium, chloride and sulphate typed too).
+AnalysisTexts workedSample() {
+    return typed({"tds=400", "t=25", "ph=7.5", "alk=200", "ca=80", "mg=24", "cl=50", "so4=60"});
 }
 
 // The ion-balance example (Lewis and Randall): carbonate typed as 0.
 AnalysisTexts ionBalanceSample() {
-    AnalysisTexts b;
-    b.t = "25";
-    b.ph = "7.5";
-    b.alk = "200";
-    b.ca = "80";
-    b.mg = "24";
-    b.na = "46";
-    b.k = "3.9";
-    b.cl = "50";
-    b.so4 = "60";
-    b.hco3 = "244";
-    b.co3 = "0";
-    return b;
+    return typed({"t=25", "ph=7.5", "alk=200", "ca=80", "mg=24", "k=3.9", "na=46", "hco3=244",
+                  "co3=0", "cl=50", "so4=60"});
 }
 
 EquationFlags langelier() {
@@ -80,18 +88,13 @@ protected:
 struct MessageCase {
     const char* name;
     EquationFlags flags;
-    const char* emptyBox; // which box of the worked sample is left empty
+    Box emptyBox; // the box of the worked sample left empty
     const char* text;
     const char* title;
 };
 
-AnalysisTexts withEmpty(AnalysisTexts b, const std::string& box) {
-    if (box == "t") b.t.clear();
-    if (box == "ph") b.ph.clear();
-    if (box == "alk") b.alk.clear();
-    if (box == "ca") b.ca.clear();
-    if (box == "ec") b.ec.clear();
-    if (box == "tds") b.tds.clear();
+AnalysisTexts withEmpty(AnalysisTexts b, Box box) {
+    (b.*box).clear();
     return b;
 }
 
@@ -100,22 +103,22 @@ TEST_F(ReadData, MissingValueMessages) {
     AnalysisTexts full = workedSample();
     full.ec = "85";
     const std::vector<MessageCase> cases = {
-        {"langelier_t", langelier(), "t", kTdsMessage, "Velmora"},
-        {"langelier_ph", langelier(), "ph", kTdsMessage, "Velmora"},
-        {"langelier_ca", langelier(), "ca", kTdsMessage, "Velmora"},
+        {"langelier_t", langelier(), &A::t, kTdsMessage, "Velmora"},
+        {"langelier_ph", langelier(), &A::ph, kTdsMessage, "Velmora"},
+        {"langelier_ca", langelier(), &A::ca, kTdsMessage, "Velmora"},
         // the Langelier branch checks alkalinity first, with its own message
-        {"langelier_alk", langelier(), "alk", kTdsMessage, "Velmora"},
-        {"russell_ec", russell(), "ec", kEcMessage, "Velmora"},
-        {"russell_t", russell(), "t", kTdsMessage, "Velmora"},
-        {"russell_ca", russell(), "ca", kTdsMessage, "Velmora"},
+        {"langelier_alk", langelier(), &A::alk, kTdsMessage, "Velmora"},
+        {"russell_ec", russell(), &A::ec, kEcMessage, "Velmora"},
+        {"russell_t", russell(), &A::t, kTdsMessage, "Velmora"},
+        {"russell_ca", russell(), &A::ca, kTdsMessage, "Velmora"},
         // only the Russell branch reaches the alkalinity step's message
-        {"russell_alk", russell(), "alk", kAlkMessage, "Velmora!!"},
-        {"lewis_t", lewis(), "t", kLewisMessage, "Velmora"},
-        {"lewis_ph", lewis(), "ph", kLewisMessage, "Velmora"},
-        {"lewis_alk", lewis(), "alk", kLewisMessage, "Velmora"},
-        {"no_equation_t", EquationFlags{}, "t", kTdsMessage, "Velmora"},
-        {"no_equation_ca", EquationFlags{}, "ca", kTdsMessage, "Velmora"},
-        {"no_equation_alk", EquationFlags{}, "alk", kAlkMessage, "Velmora!!"},
+        {"russell_alk", russell(), &A::alk, kAlkMessage, "Velmora!!"},
+        {"lewis_t", lewis(), &A::t, kLewisMessage, "Velmora"},
+        {"lewis_ph", lewis(), &A::ph, kLewisMessage, "Velmora"},
+        {"lewis_alk", lewis(), &A::alk, kLewisMessage, "Velmora"},
+        {"no_equation_t", EquationFlags{}, &A::t, kTdsMessage, "Velmora"},
+        {"no_equation_ca", EquationFlags{}, &A::ca, kTdsMessage, "Velmora"},
+        {"no_equation_alk", EquationFlags{}, &A::alk, kAlkMessage, "Velmora!!"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -129,7 +132,7 @@ TEST_F(ReadData, MissingValueMessages) {
 }
 
 TEST_F(ReadData, LangelierWithEmptyTdsReadsZero) {
-    AnalysisTexts b = withEmpty(workedSample(), "tds");
+    AnalysisTexts b = withEmpty(workedSample(), &A::tds);
     EquationFlags flags = langelier();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.outcome, Outcome::Accepted);
@@ -149,7 +152,7 @@ TEST_F(ReadData, RussellWithoutConductivityStoresNothing) {
 }
 
 TEST_F(ReadData, RussellStoresConductivityBeforeTheTemperatureMessage) {
-    AnalysisTexts b = withEmpty(workedSample(), "t");
+    AnalysisTexts b = withEmpty(workedSample(), &A::t);
     b.ec = "85";
     EquationFlags flags = russell();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
@@ -162,7 +165,7 @@ TEST_F(ReadData, RussellStoresConductivityBeforeTheTemperatureMessage) {
 }
 
 TEST_F(ReadData, RussellDoesNotCheckThePh) {
-    AnalysisTexts b = withEmpty(workedSample(), "ph");
+    AnalysisTexts b = withEmpty(workedSample(), &A::ph);
     b.ec = "6";
     EquationFlags flags = russell();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
@@ -172,7 +175,7 @@ TEST_F(ReadData, RussellDoesNotCheckThePh) {
 
 TEST_F(ReadData, MessagesKeepEarlierStepsStored) {
     // calcium empty: temperature is already stored, alkalinity is not
-    AnalysisTexts b = withEmpty(workedSample(), "ca");
+    AnalysisTexts b = withEmpty(workedSample(), &A::ca);
     EquationFlags flags = russell();
     b.ec = "85";
     readAnalysis(engine, b, flags, false);
@@ -239,15 +242,9 @@ TEST_F(ReadData, LewisIonBalanceExampleIsUnacceptable) {
 }
 
 TEST_F(ReadData, LewisBalancedAnalysisIsAccepted) {
-    AnalysisTexts b;
-    b.t = "25";
-    b.ph = "7";
-    b.alk = "50";
-    b.ca = "20.1";   // 1 meq/L
-    b.na = "22.99";  // 1 meq/L
-    b.cl = "70.906"; // 2 meq/L
-    b.hco3 = "0";
-    b.co3 = "0";
+    // calcium 1 meq/L and sodium 1 meq/L against chloride 2 meq/L
+    const AnalysisTexts b =
+        typed({"t=25", "ph=7", "alk=50", "ca=20.1", "na=22.99", "hco3=0", "co3=0", "cl=70.906"});
     EquationFlags flags = lewis();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.outcome, Outcome::Accepted);
@@ -303,7 +300,7 @@ TEST_F(ReadData, OutOfRangeValuesAreOverflowErrors) {
     struct Case {
         const char* name;
         EquationFlags flags;
-        std::string AnalysisTexts::*box;
+        Box box;
         const char* text;
     };
     const std::vector<Case> cases = {

@@ -29,11 +29,8 @@
 using namespace velmora;
 using velmora::test::RecordingPlatform;
 
-class MainWindowTest : public QObject {
+class MainWindowTest : public test::ProgramTest {
     Q_OBJECT
-
-    RecordingPlatform* rec_ = nullptr;
-    frmMain* m_ = nullptr;
 
     template <class T> T* named(const char* name) {
         T* w = m_->findChild<T*>(QLatin1String(name));
@@ -50,16 +47,6 @@ class MainWindowTest : public QObject {
     }
 
 private slots:
-    void init() {
-        rec_ = new RecordingPlatform;
-        m_ = startProgram();
-    }
-    void cleanup() {
-        test::resetProgram();
-        delete rec_;
-        rec_ = nullptr;
-    }
-
     // ---------------------------------------------------------------- creation
     void analysisBoxesAtCreation_data() {
         QTest::addColumn<QString>("box");
@@ -125,20 +112,17 @@ private slots:
         QTest::addColumn<QString>("frame");
         QTest::addColumn<QString>("caption");
         QTest::addColumn<bool>("enabled");
-        QTest::newRow("frawater") << "frawater"
-                                  << "Enter water characteristics below :" << true;
-        QTest::newRow("Frame4") << "Frame4"
-                                << "" << true;
-        QTest::newRow("fratdsec") << "fratdsec"
-                                  << "" << true;
-        QTest::newRow("frmcations") << "frmcations"
-                                    << "cations :" << true;
-        QTest::newRow("frmanions") << "frmanions"
-                                   << "Anions :" << false;
-        QTest::newRow("frasample") << "frasample"
-                                   << "Sample properties :" << false;
-        QTest::newRow("fraaccuracy") << "fraaccuracy"
-                                     << "Accuracy Test Results :" << false;
+        auto row = [](const char* frame, const char* caption, bool enabled) {
+            QTest::newRow(frame) << QString::fromLatin1(frame) << QString::fromLatin1(caption)
+                                 << enabled;
+        };
+        row("frawater", "Enter water characteristics below :", true);
+        row("Frame4", "", true);
+        row("fratdsec", "", true);
+        row("frmcations", "cations :", true);
+        row("frmanions", "Anions :", false);
+        row("frasample", "Sample properties :", false);
+        row("fraaccuracy", "Accuracy Test Results :", false);
     }
     void framesAtCreation() {
         QFETCH(QString, frame);
@@ -323,37 +307,41 @@ private slots:
     }
 
     // ---------------------------------------------------------------- keyboard
+    // The keys go where a user's keys go: to the box that has the focus.
     void keyboardAccelerators() {
         QVERIFY(QTest::qWaitForWindowActive(m_));
+        auto focused = [] { return QApplication::focusWidget(); };
+        QVERIFY(qobject_cast<QLineEdit*>(focused()));
         // Alt+R presses Read Data once it is enabled
         QSignalSpy read(m_->cmdread, &QPushButton::clicked);
-        QTest::keyClick(m_, Qt::Key_R, Qt::AltModifier);
+        QTest::keyClick(focused(), Qt::Key_R, Qt::AltModifier);
         QTest::qWait(150);
         QCOMPARE(read.count(), 0); // disabled
         test::typeWorkedSample(m_);
-        QTest::keyClick(m_, Qt::Key_R, Qt::AltModifier);
+        QTest::keyClick(focused(), Qt::Key_R, Qt::AltModifier);
         QTRY_COMPARE(read.count(), 1);
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         // Clear is off after the edits, so Alt+C is Calculate's alone
         QVERIFY(!m_->cmdclear->isEnabled());
-        QTest::keyClick(m_, Qt::Key_C, Qt::AltModifier);
+        QTest::keyClick(focused(), Qt::Key_C, Qt::AltModifier);
         QTRY_COMPARE(m_->statusText(), workflow::AnalysisDone);
 
         // Ctrl+S and Ctrl+P are live after a calculation
         QSignalSpy save(m_->mnuFileSave, &QAction::triggered);
         QSignalSpy print(m_->mnuFilePrint, &QAction::triggered);
-        QTest::keyClick(m_, Qt::Key_S, Qt::ControlModifier);
-        QTest::keyClick(m_, Qt::Key_P, Qt::ControlModifier);
+        QTest::keyClick(focused(), Qt::Key_S, Qt::ControlModifier);
+        QTest::keyClick(focused(), Qt::Key_P, Qt::ControlModifier);
         QCOMPARE(save.count(), 1);
         QCOMPARE(print.count(), 1);
 
         // Ctrl+N is New
-        QTest::keyClick(m_, Qt::Key_N, Qt::ControlModifier);
+        QTest::keyClick(focused(), Qt::Key_N, Qt::ControlModifier);
         QCOMPARE(m_->statusText(), workflow::EnteringDataNew);
         QVERIFY(m_->txtt->text().isEmpty());
 
-        // Ctrl+E leaves the program
-        QTest::keyClick(m_, Qt::Key_E, Qt::ControlModifier);
+        // Ctrl+E leaves the program, even from a box (where it could move the cursor)
+        QCOMPARE(focused(), m_->txtt);
+        QTest::keyClick(focused(), Qt::Key_E, Qt::ControlModifier);
         QVERIFY(!frmMain::isLoaded());
         QCOMPARE(rec_->settingWrites, 4);
     }

@@ -19,25 +19,9 @@
 using namespace velmora;
 using velmora::test::RecordingPlatform;
 
-class ValidationTest : public QObject {
+class ValidationTest : public test::ProgramTest {
     Q_OBJECT
 
-    RecordingPlatform* rec_ = nullptr;
-    frmMain* m_ = nullptr;
-
-    QLineEdit* box(const QString& name) { return m_->findChild<QLineEdit*>(name); }
-
-    // Chooses an ionic strength equation through its dialog.
-    void chooseEquation(const QString& equation) {
-        m_->mnusettingis->trigger();
-        frmionic* d = frmionic::instance();
-        QRadioButton* option = equation == QLatin1String("lewis") ? d->optlewis
-                               : equation == QLatin1String("rus") ? d->optrus
-                                                                  : d->optlang;
-        test::click(option);
-        QVERIFY2(option->isChecked(), "option not selected");
-        test::click(d->cmdOK);
-    }
     // Ticks the Larson-Skold box of the options dialog, applied or not.
     void tickLarsonSkold(bool apply) {
         frmOptions* o = frmOptions::instance();
@@ -53,15 +37,6 @@ class ValidationTest : public QObject {
     }
 
 private slots:
-    void init() {
-        rec_ = new RecordingPlatform;
-        m_ = startProgram();
-    }
-    void cleanup() {
-        test::resetProgram();
-        delete rec_;
-    }
-
     // ---------------------------------------------------------------- numbers
     void everyBoxRejectsLetters_data() {
         QTest::addColumn<QString>("name");
@@ -121,21 +96,18 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("left");
         const QString range = QStringLiteral("pH must be a positive number up to 14 .");
-        QTest::newRow("14 accepted") << "14"
-                                     << ""
-                                     << "14";
-        QTest::newRow("14.0 accepted") << "14.0"
-                                       << ""
-                                       << "14.0";
-        QTest::newRow("14.01 rejected") << "14.01" << range << "";
-        QTest::newRow("0 rejected") << "0" << range << "";
-        QTest::newRow("15 rejected at the 5") << "15" << range << "";
-        QTest::newRow("7.5 accepted") << "7.5"
-                                      << ""
-                                      << "7.5";
-        QTest::newRow("letters") << "ph"
-                                 << "You must enter a number!"
-                                 << "";
+        auto row = [](const char* name, const char* typed, const QString& message,
+                      const char* left) {
+            QTest::newRow(name) << QString::fromLatin1(typed) << message
+                                << QString::fromLatin1(left);
+        };
+        row("14 accepted", "14", {}, "14");
+        row("14.0 accepted", "14.0", {}, "14.0");
+        row("14.01 rejected", "14.01", range, "");
+        row("0 rejected", "0", range, "");
+        row("15 rejected at the 5", "15", range, "");
+        row("7.5 accepted", "7.5", {}, "7.5");
+        row("letters", "ph", QStringLiteral("You must enter a number!"), "");
     }
     void phRange() {
         QFETCH(QString, typed);
@@ -218,37 +190,42 @@ private slots:
         QVERIFY(!m_->cmdread->isEnabled());
     }
 
-    void russellWithTheLarsonSkoldBoxTicked() {
-        // the Russell test reads the check box, applied or not
-        tickLarsonSkold(false);
-        chooseEquation(QStringLiteral("rus"));
-        QVERIFY(m_->txtcl->isEnabled() && m_->txtso4->isEnabled());
-        typeAll({"txtt", "txtph", "txtalk", "txtca", "txtec"});
-        QVERIFY(!m_->cmdread->isEnabled());
-        test::typeInto(m_->txtcl, QStringLiteral("50"));
-        QVERIFY(!m_->cmdread->isEnabled());
-        test::typeInto(m_->txtso4, QStringLiteral("60"));
-        QVERIFY(m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
-        // the chloride and sulphate handlers have no emptying step of their own
-        test::eraseBox(m_->txtcl);
-        QVERIFY(m_->cmdread->isEnabled());
+    // Chloride and sulphate join the required set: under Russell when the
+    // Larson-Skold box is ticked (applied or not), under Langelier when the
+    // flag has been applied.
+    void chlorideAndSulphateJoinTheRequiredSet_data() {
+        QTest::addColumn<QString>("equation");
+        QTest::addColumn<bool>("applied");
+        QTest::addColumn<QString>("salinity");
+        QTest::addColumn<QString>("stateBeforeTheAnions");
+        QTest::addColumn<bool>("readAfterErasingChloride");
+        // the conductivity handler's own first test sets the state text on
+        // the base set; the chloride handler has no emptying step of its own
+        QTest::newRow("Russell, ticked only")
+            << "rus" << false << "txtec" << workflow::ReadyToRead << true;
+        QTest::newRow("Langelier, applied")
+            << "lang" << true << "txttds" << workflow::EnteringData << false;
     }
-
-    void langelierWithLarsonSkoldApplied() {
-        tickLarsonSkold(true);
-        QVERIFY(theOptions().index.bllr);
-        QVERIFY(m_->txtcl->isEnabled());
-        typeAll({"txtt", "txtph", "txtalk", "txtca", "txttds"});
+    void chlorideAndSulphateJoinTheRequiredSet() {
+        QFETCH(QString, equation);
+        QFETCH(bool, applied);
+        QFETCH(QString, salinity);
+        QFETCH(QString, stateBeforeTheAnions);
+        QFETCH(bool, readAfterErasingChloride);
+        tickLarsonSkold(applied);
+        QCOMPARE(theOptions().index.bllr, applied);
+        chooseEquation(equation);
+        QVERIFY(m_->txtcl->isEnabled() && m_->txtso4->isEnabled());
+        typeAll({"txtt", "txtph", "txtalk", "txtca", salinity});
         QVERIFY(!m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), stateBeforeTheAnions);
         test::typeInto(m_->txtcl, QStringLiteral("50"));
         QVERIFY(!m_->cmdread->isEnabled());
         test::typeInto(m_->txtso4, QStringLiteral("60"));
         QVERIFY(m_->cmdread->isEnabled());
         QCOMPARE(m_->statusText(), workflow::ReadyToRead);
-        test::eraseBox(m_->txtso4);
-        QVERIFY(!m_->cmdread->isEnabled());
+        test::eraseBox(m_->txtcl);
+        QCOMPARE(m_->cmdread->isEnabled(), readAfterErasingChloride);
     }
 
     void larsonSkoldEmptiedRequiredBox_data() {
@@ -283,11 +260,7 @@ private slots:
     // ---------------------------------------------------------------- workflow on edits
     void editAfterCalculationOfAnOptionalBox() {
         chooseEquation(QStringLiteral("lewis"));
-        typeAll({"txtt", "txtph", "txtalk", "txtca"}, QStringLiteral("8"));
-        retype(QStringLiteral("txtt"), QStringLiteral("25"));
-        retype(QStringLiteral("txtph"), QStringLiteral("7.5"));
-        retype(QStringLiteral("txtalk"), QStringLiteral("200"));
-        retype(QStringLiteral("txtca"), QStringLiteral("80"));
+        type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         test::click(m_->cmdcalc);
@@ -330,10 +303,7 @@ private slots:
 
     void editWhileReadyForAnalysisDisablesCalculate() {
         chooseEquation(QStringLiteral("lewis"));
-        retype(QStringLiteral("txtt"), QStringLiteral("25"));
-        retype(QStringLiteral("txtph"), QStringLiteral("7.5"));
-        retype(QStringLiteral("txtalk"), QStringLiteral("200"));
-        retype(QStringLiteral("txtca"), QStringLiteral("80"));
+        type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         QVERIFY(m_->cmdcalc->isEnabled());
@@ -355,9 +325,6 @@ private slots:
         test::typeInto(m_->txtca, QStringLiteral("q"));
         QVERIFY(!m_->toolbarButton(9)->isEnabled());
     }
-
-private:
-    void retype(const QString& name, const QString& text) { test::retype(box(name), text); }
 };
 
 VELMORA_GUI_TEST_MAIN(ValidationTest)

@@ -42,51 +42,10 @@ bool near(double actual, double expected, double relative = 1e-4) {
 
 } // namespace
 
-class WorkflowTest : public QObject {
+class WorkflowTest : public test::ProgramTest {
     Q_OBJECT
 
-    RecordingPlatform* rec_ = nullptr;
-    frmMain* m_ = nullptr;
-
-    QLineEdit* box(const QString& name) { return m_->findChild<QLineEdit*>(name); }
-
-    void chooseEquation(const QString& equation) {
-        m_->mnusettingis->trigger();
-        frmionic* d = frmionic::instance();
-        test::click(equation == QLatin1String("lewis") ? d->optlewis
-                    : equation == QLatin1String("rus") ? d->optrus
-                                                       : d->optlang);
-        test::click(d->cmdOK);
-    }
-
-    // Opens Options, ticks the given check boxes, fills the sweep (when a
-    // start is given) and presses OK.
-    void options(const QList<QCheckBox*>& ticks, const QString& start = QString(),
-                 const QString& increment = QString(), const QString& steps = QString()) {
-        m_->mnuoptionoptions->trigger();
-        frmOptions* o = frmOptions::instance();
-        for (QCheckBox* c : ticks)
-            if (!c->isChecked()) test::click(c);
-        if (!start.isNull()) {
-            o->tbsOptions->setCurrentIndex(1);
-            if (!o->chkphsweep->isChecked()) test::click(o->chkphsweep);
-            test::retype(o->txtinitialph, start);
-            test::retype(o->txtincrementph, increment);
-            test::retype(o->txtstep, steps);
-        }
-        test::click(o->cmdOK);
-    }
     frmOptions* opt() { return frmOptions::instance(); }
-
-    // name=value pairs typed into their boxes
-    void type(const QStringList& entries) {
-        for (const QString& e : entries) {
-            const QStringList kv = e.split(QLatin1Char('='));
-            QLineEdit* b = box(kv[0]);
-            QVERIFY2(b && b->isEnabled(), qPrintable(kv[0]));
-            test::retype(b, kv[1]);
-        }
-    }
 
     QString resultText(const char* name) {
         auto* b = frmresult::instance()->findChild<QLineEdit*>(QLatin1String(name));
@@ -95,7 +54,7 @@ class WorkflowTest : public QObject {
 
     // The worked sample with chloride and sulphate under Langelier, sweep off.
     void calculateWorkedSample() {
-        options({opt()->chklr});
+        applyOptions({opt()->chklr});
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
@@ -107,15 +66,6 @@ class WorkflowTest : public QObject {
                                      "txtso4=60", "txthco3=244", "txtco3=0"};
 
 private slots:
-    void init() {
-        rec_ = new RecordingPlatform;
-        m_ = startProgram();
-    }
-    void cleanup() {
-        test::resetProgram();
-        delete rec_;
-    }
-
     // ---------------------------------------------------------------- Read Data
     void readDataMessages_data() {
         QTest::addColumn<QString>("equation");
@@ -156,7 +106,7 @@ private slots:
         chooseEquation(equation);
         type(entries);
         // a valid sweep enables Read Data whatever the boxes hold
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         QVERIFY(m_->cmdread->isEnabled());
         const QString state = m_->statusText();
         rec_->clear();
@@ -173,7 +123,7 @@ private slots:
     void russellStoresConductivityBeforeTheTemperatureMessage() {
         chooseEquation(QStringLiteral("rus"));
         type({"txtec=85", "txtph=7", "txtalk=200", "txtca=80"});
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         theEngine().rec.temp = 11;
         test::click(m_->cmdread);
         QCOMPARE(theEngine().rec.ec, 85.0);
@@ -184,7 +134,7 @@ private slots:
     void russellWithoutConductivityStoresNothing() {
         chooseEquation(QStringLiteral("rus"));
         type({"txtt=30", "txtph=7", "txtalk=200", "txtca=80"});
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         theEngine().rec.ec = 12;
         test::click(m_->cmdread);
         QCOMPARE(theEngine().rec.ec, 12.0);
@@ -194,7 +144,7 @@ private slots:
     void langelierWithoutDissolvedSolidsReadsZero() {
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         QVERIFY(!m_->cmdread->isEnabled()); // the edits alone do not enable it
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         theEngine().rec.tds = 999;
         test::click(m_->cmdread);
         QVERIFY(rec_->messages.isEmpty());
@@ -207,7 +157,7 @@ private slots:
     void russellDoesNotCheckThePh() {
         chooseEquation(QStringLiteral("rus"));
         type({"txtt=25", "txtec=85", "txtalk=200", "txtca=80"});
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         test::click(m_->cmdread);
         QVERIFY(rec_->messages.isEmpty());
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
@@ -282,8 +232,8 @@ private slots:
 
     // ---------------------------------------------------------------- calculation
     void workedSampleWithoutSweep() {
-        options({opt()->chkli, opt()->chkri, opt()->chkpor, opt()->chklr, opt()->chkdfi,
-                 opt()->chkai, opt()->chkme, opt()->chksl});
+        applyOptions({opt()->chkli, opt()->chkri, opt()->chkpor, opt()->chklr, opt()->chkdfi,
+                      opt()->chkai, opt()->chkme, opt()->chksl});
         test::typeWorkedSample(m_);
         QCOMPARE(m_->txtso4->text(), QStringLiteral("60"));
         QCOMPARE(m_->statusText(), workflow::ReadyToRead);
@@ -354,7 +304,8 @@ private slots:
     }
 
     void workedSampleWithSweep() {
-        options({opt()->chklr}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("5"));
+        applyOptions({opt()->chklr}, QStringLiteral("7"), QStringLiteral("0.5"),
+                     QStringLiteral("5"));
         QVERIFY(m_->cmdread->isEnabled());
         QCOMPARE(theOptions().sweep.entry[0], 7.0);
         QCOMPARE(theOptions().sweep.entry[5], 9.5);
@@ -386,7 +337,7 @@ private slots:
     }
 
     void sweepFromSixAndAHalf() {
-        options({}, QStringLiteral("6.5"), QStringLiteral("0.5"), QStringLiteral("5"));
+        applyOptions({}, QStringLiteral("6.5"), QStringLiteral("0.5"), QStringLiteral("5"));
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
@@ -400,7 +351,7 @@ private slots:
         // Russell reads without a pH; a sweep applied once enables Read Data
         chooseEquation(QStringLiteral("rus"));
         type({"txtt=25", "txtec=85", "txtalk=200", "txtca=80"});
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         test::click(opt()->chkphsweep); // unticked, not applied
         test::click(m_->cmdread);
         QVERIFY(m_->cmdcalc->isEnabled());
@@ -417,7 +368,7 @@ private slots:
     void emptyPhWithSweepComputesAtPhZero() {
         chooseEquation(QStringLiteral("rus"));
         type({"txtt=25", "txtec=85", "txtalk=200", "txtca=80"});
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         test::click(m_->cmdread);
         theEngine().sw.ph(0) = 5;
         test::click(m_->cmdcalc);
@@ -467,7 +418,7 @@ private slots:
         QFETCH(QString, how);
         QFETCH(QString, optionMessage);
         QFETCH(QString, failing);
-        options({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
+        applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
@@ -511,7 +462,7 @@ private slots:
         calculateWorkedSample();
         QVERIFY(m_->cmdcalc->isEnabled() && m_->cmdclear->isEnabled());
         m_->toolbarButton(9)->setEnabled(true);
-        options({});
+        applyOptions({});
         QVERIFY(!m_->cmdcalc->isEnabled());
         QVERIFY(!m_->cmdaccuracy->isEnabled());
         QVERIFY(!m_->cmdclear->isEnabled());

@@ -25,46 +25,13 @@
 using namespace velmora;
 using velmora::test::RecordingPlatform;
 
-class DialogsTest : public QObject {
+class DialogsTest : public test::ProgramTest {
     Q_OBJECT
 
-    RecordingPlatform* rec_ = nullptr;
-    frmMain* m_ = nullptr;
-
-    frmOptions* openOptions() {
-        m_->mnuoptionoptions->trigger();
-        return frmOptions::instance();
-    }
-    frmionic* openIonic() {
-        m_->mnusettingis->trigger();
-        return frmionic::instance();
-    }
-    void fillSweep(frmOptions* o, const QString& start, const QString& inc, const QString& steps) {
-        o->tbsOptions->setCurrentIndex(1);
-        if (!o->chkphsweep->isChecked()) test::click(o->chkphsweep);
-        test::retype(o->txtinitialph, start);
-        test::retype(o->txtincrementph, inc);
-        test::retype(o->txtstep, steps);
-    }
-    void type(const QStringList& entries) {
-        for (const QString& e : entries) {
-            const QStringList kv = e.split(QLatin1Char('='));
-            test::retype(m_->findChild<QLineEdit*>(kv[0]), kv[1]);
-        }
-    }
     const QStringList fiveRequired = {"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80",
                                       "txttds=400"};
 
 private slots:
-    void init() {
-        rec_ = new RecordingPlatform;
-        m_ = startProgram();
-    }
-    void cleanup() {
-        test::resetProgram();
-        delete rec_;
-    }
-
     // ================================================================ Options
     void optionsDesignState() {
         frmOptions* o = openOptions();
@@ -132,6 +99,15 @@ private slots:
         QVERIFY(o->picoptions[0]->isEnabled());
         QTest::keyClick(o->chkli, Qt::Key_Tab, Qt::ControlModifier);
         QCOMPARE(o->tbsOptions->currentIndex(), 1);
+        // from a sweep box too, which leaves its text alone
+        fillSweep(o, "7", "0.5", "3");
+        QTest::keyClick(o->txtincrementph, Qt::Key_Tab, Qt::ControlModifier);
+        QCOMPARE(o->tbsOptions->currentIndex(), 0);
+        QCOMPARE(o->txtincrementph->text(), QStringLiteral("0.5"));
+        // Tab alone only moves the focus
+        o->tbsOptions->setCurrentIndex(1);
+        QTest::keyClick(o->txtincrementph, Qt::Key_Tab);
+        QCOMPARE(o->tbsOptions->currentIndex(), 1);
     }
 
     void sweepCheckBoxEnablesItsControls() {
@@ -160,42 +136,30 @@ private slots:
         const QString steps =
             QStringLiteral("initial pH must be an integer number between 1 to 140 .");
         const QString integer = QStringLiteral("You must enter an integer positive number!");
-        QTest::newRow("start 7.5") << "txtinitialph"
-                                   << "7.5" << QStringList{} << "7.5";
-        QTest::newRow("start 14") << "txtinitialph"
-                                  << "14" << QStringList{} << "14";
-        QTest::newRow("start 15") << "txtinitialph"
-                                  << "15" << QStringList{start} << "";
-        QTest::newRow("start 0") << "txtinitialph"
-                                 << "0" << QStringList{start} << "";
-        QTest::newRow("start letter") << "txtinitialph"
-                                      << "a" << QStringList{positive} << "";
-        QTest::newRow("start lone point") << "txtinitialph"
-                                          << "." << QStringList{positive} << "";
-        QTest::newRow("increment lone point") << "txtincrementph"
-                                              << "." << QStringList{} << ".";
-        QTest::newRow("increment .5") << "txtincrementph"
-                                      << ".5" << QStringList{} << ".5";
-        QTest::newRow("increment 0") << "txtincrementph"
-                                     << "0" << QStringList{} << "0";
-        QTest::newRow("increment 0.05") << "txtincrementph"
-                                        << "0.05" << QStringList{inc} << "";
-        QTest::newRow("increment 3") << "txtincrementph"
-                                     << "3" << QStringList{inc} << "";
-        QTest::newRow("increment 2") << "txtincrementph"
-                                     << "2" << QStringList{} << "2";
-        QTest::newRow("increment minus") << "txtincrementph"
-                                         << "-" << QStringList{positive} << "";
-        QTest::newRow("steps 140") << "txtstep"
-                                   << "140" << QStringList{} << "140";
-        QTest::newRow("steps 141") << "txtstep"
-                                   << "141" << QStringList{steps} << "";
-        QTest::newRow("steps 0") << "txtstep"
-                                 << "0" << QStringList{steps} << "";
-        QTest::newRow("steps 2.5") << "txtstep"
-                                   << "2.5" << QStringList{integer} << "";
-        QTest::newRow("steps letter") << "txtstep"
-                                      << "x" << QStringList{positive} << "";
+        auto row = [](const char* name, const char* box, const char* typed,
+                      const QStringList& messages, const char* left) {
+            QTest::newRow(name) << QString::fromLatin1(box) << QString::fromLatin1(typed)
+                                << messages << QString::fromLatin1(left);
+        };
+        const char *initial = "txtinitialph", *increment = "txtincrementph", *number = "txtstep";
+        row("start 7.5", initial, "7.5", {}, "7.5");
+        row("start 14", initial, "14", {}, "14");
+        row("start 15", initial, "15", {start}, "");
+        row("start 0", initial, "0", {start}, "");
+        row("start letter", initial, "a", {positive}, "");
+        row("start lone point", initial, ".", {positive}, "");
+        row("increment lone point", increment, ".", {}, ".");
+        row("increment .5", increment, ".5", {}, ".5");
+        row("increment 0", increment, "0", {}, "0");
+        row("increment 0.05", increment, "0.05", {inc}, "");
+        row("increment 3", increment, "3", {inc}, "");
+        row("increment 2", increment, "2", {}, "2");
+        row("increment minus", increment, "-", {positive}, "");
+        row("steps 140", number, "140", {}, "140");
+        row("steps 141", number, "141", {steps}, "");
+        row("steps 0", number, "0", {steps}, "");
+        row("steps 2.5", number, "2.5", {integer}, "");
+        row("steps letter", number, "x", {positive}, "");
     }
     void sweepBoxesCheckEveryKeystroke() {
         QFETCH(QString, box);
@@ -294,6 +258,8 @@ private slots:
                      rec_->last().text.contains(QStringLiteral("pH increment")),
                  qPrintable(rec_->last().text));
         QCOMPARE(rec_->last().title, QStringLiteral("Velmora"));
+        QCOMPARE(rec_->last().icon, Platform::Icon::None);
+        QCOMPARE(rec_->last().buttons, Platform::Buttons::Ok);
         QVERIFY(o->isVisible());
         QVERIFY(!m_->cmdread->isEnabled());
     }
@@ -379,9 +345,7 @@ private slots:
     void larsonSkoldUnderRussellKeepsTheTexts() {
         frmOptions* o = openOptions();
         test::click(o->chklr);
-        frmionic* d = openIonic();
-        test::click(d->optrus);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("rus"));
         type({"txtcl=50", "txtso4=60"});
         test::click(o->chklr);
         test::click(o->cmdApply);
@@ -412,6 +376,32 @@ private slots:
         // Escape cancels as well
         QTest::keyClick(o, Qt::Key_Escape);
         QVERIFY(!frmOptions::isLoaded());
+    }
+
+    void okHidesTheDialogBeforeMovingTheWorkflowBack() {
+        type(fiveRequired);
+        test::click(m_->cmdread);
+        QVERIFY(m_->cmdcalc->isEnabled());
+        frmOptions* o = openOptions();
+        fillSweep(o, "7", "0.5", "3");
+        // notes whether the dialog was still shown when Calculate went off
+        struct Watch : QObject {
+            QWidget* dialog = nullptr;
+            int changes = 0;
+            bool dialogShown = false;
+            bool eventFilter(QObject*, QEvent* e) override {
+                if (e->type() == QEvent::EnabledChange && changes++ == 0)
+                    dialogShown = dialog->isVisible();
+                return false;
+            }
+        } watch;
+        watch.dialog = o;
+        m_->cmdcalc->installEventFilter(&watch);
+        test::click(o->cmdOK);
+        m_->cmdcalc->removeEventFilter(&watch);
+        QCOMPARE(watch.changes, 1);
+        QVERIFY(!watch.dialogShown);
+        QVERIFY(o->isHidden() && !m_->cmdcalc->isEnabled());
     }
 
     void okKeepsTheControlsForTheNextOpening() {
@@ -446,10 +436,8 @@ private slots:
 
     void lewisOk() {
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80", "txttds=400"});
-        frmionic* d = openIonic();
-        test::click(d->optlewis);
-        test::click(d->cmdOK);
-        QVERIFY(d->isHidden());
+        chooseEquation(QStringLiteral("lewis"));
+        QVERIFY(frmionic::isLoaded() && frmionic::instance()->isHidden());
         const EquationFlags& eq = theOptions().equations;
         QVERIFY(eq.bllewis && !eq.bllang && !eq.blrus);
         QCOMPARE(m_->statusText(), workflow::ReadyToRead);
@@ -473,9 +461,7 @@ private slots:
 
     void lewisOkWithMissingBoxLeavesTheStateText() {
         type({"txtt=25", "txtph=7.5"});
-        frmionic* d = openIonic();
-        test::click(d->optlewis);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lewis"));
         QVERIFY(!m_->cmdread->isEnabled());
         QCOMPARE(m_->statusText(), workflow::EnteringData);
     }
@@ -488,14 +474,10 @@ private slots:
     void langelierAfterLewis() {
         QFETCH(bool, larsonSkold);
         if (larsonSkold) frmOptions::instance()->chklr->setChecked(true);
-        frmionic* d = openIonic();
-        test::click(d->optlewis);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lewis"));
         type({"txtmg=24", "txtna=14", "txtk=3", "txtf=1", "txtco3=0", "txthco3=244", "txtcl=50",
               "txtso4=60"});
-        d = openIonic();
-        test::click(d->optlang);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lang"));
         const EquationFlags& eq = theOptions().equations;
         QVERIFY(!eq.bllewis && eq.bllang && !eq.blrus);
         for (QLineEdit* b : {m_->txtmg, m_->txtna, m_->txtk, m_->txtf, m_->txtco3, m_->txthco3}) {
@@ -516,9 +498,7 @@ private slots:
 
     void russellOk() {
         // an analysis read under Lewis, with the accuracy frame open
-        frmionic* d = openIonic();
-        test::click(d->optlewis);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lewis"));
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
         test::click(m_->cmdaccuracy);
@@ -526,9 +506,7 @@ private slots:
         test::click(m_->cmdcalc);
         QVERIFY(m_->cmdclear->isEnabled());
 
-        d = openIonic();
-        test::click(d->optrus);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("rus"));
         const EquationFlags& eq = theOptions().equations;
         QVERIFY(eq.blrus && !eq.bllang && !eq.bllewis);
         for (QPushButton* b :
@@ -548,29 +526,45 @@ private slots:
     }
 
     void langelierOkDisablesTheAccuracyTestButNotCalculate() {
-        frmionic* d = openIonic();
-        test::click(d->optlewis);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lewis"));
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
         test::click(m_->cmdaccuracy);
         QVERIFY(m_->cmdcalc->isEnabled());
         // the carbonate pair was empty, so nothing changes Calculate on the way
-        d = openIonic();
-        test::click(d->optlang);
-        test::click(d->cmdOK);
+        chooseEquation(QStringLiteral("lang"));
         QVERIFY(!m_->cmdaccuracy->isEnabled());
         QCOMPARE(backColor(m_->cmdaccuracy), vb::ButtonFace);
         QVERIFY(!enabledFlag(m_->fraaccuracy));
         QVERIFY(m_->txtsuman->text().isEmpty());
         QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QVERIFY(m_->cmdcalc->isEnabled());
+    }
+
+    void langelierOkAfterALewisCalculationRunsTheEmptiedBoxesHandlers() {
+        chooseEquation(QStringLiteral("lewis"));
+        type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80", "txtmg=24", "txtna=14", "txtk=3.9",
+              "txtcl=50", "txtso4=60", "txthco3=244", "txtco3=0"});
+        test::click(m_->cmdread);
+        test::click(m_->cmdcalc);
+        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        m_->mnusettingis->setEnabled(false);
+        QVERIFY(m_->cmdcalc->isEnabled() && m_->cmdclear->isEnabled());
+        // the first emptied ion box finds "End of analysis ": Calculate goes,
+        // Read Data and the Setting items come; the dialog's own later steps
+        // then decide Read Data and the state
+        chooseEquation(QStringLiteral("lang"));
+        QVERIFY(!m_->cmdcalc->isEnabled());
+        QVERIFY(!m_->cmdclear->isEnabled() && !m_->cmdshow->isEnabled());
+        QVERIFY(m_->mnusettingis->isEnabled() && m_->mnusittingac->isEnabled());
+        QVERIFY(!m_->cmdread->isEnabled());
+        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QVERIFY(rec_->messages.isEmpty());
     }
 
     void ionicCancelKeepsTheFlags() {
+        chooseEquation(QStringLiteral("rus"));
         frmionic* d = openIonic();
-        test::click(d->optrus);
-        test::click(d->cmdOK);
-        d = openIonic();
         QVERIFY(d->optrus->isChecked()); // hidden by OK, so kept
         test::click(d->optlewis);
         test::click(d->cmdCancel);

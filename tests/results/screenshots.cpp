@@ -1,25 +1,26 @@
 // Pictures of the Results window, one interpretation window and the
-// equilibrium data window for the documentation, from the worked sample
-// (25 °C, pH 7.5, alkalinity 200, Ca 80, Mg 24, TDS 400, Cl 50, SO4 60 mg/L,
-// Langelier ionic strength, Debye-Huckel activity).
+// equilibrium data window for the documentation: the program started as the
+// user starts it, the worked sample (25 °C, pH 7.5, alkalinity 200, Ca 80,
+// TDS 400, Cl 50, SO4 60 mg/L, Langelier ionic strength, every index) read
+// and calculated, then Show results, Ryznar and More results clicked.
 //
 //   results_screenshots OUTPUT_FOLDER [--all]
 //
 // --all adds the symbols window and the sample properties dialog.
 // Run it under a real display (xvfb-run) or offscreen.
-#include "intake/readdata.h"
+#include "app/startup.h"
+#include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
-#include "options/optionstate.h"
 #include "results/frmenterper.h"
 #include "results/frmmore.h"
 #include "results/frmresult.h"
 #include "results/frmsymbols.h"
-#include "results/results.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <cstdio>
@@ -45,36 +46,15 @@ int main(int argc, char** argv) {
     }
     const QDir out(QString::fromLocal8Bit(argv[1]));
 
-    OptionState& options = theOptions();
-    options.index = IndexFlags{true, true, true, true, true, true, true, true};
-    options.equations = EquationFlags{};
-    options.equations.bllang = true;
-    options.equations.bldebye = true;
-
-    AnalysisTexts texts;
-    texts.t = "25";
-    texts.ph = "7.5";
-    texts.alk = "200";
-    texts.ca = "80";
-    texts.mg = "24";
-    texts.tds = "400";
-    texts.cl = "50";
-    texts.so4 = "60";
-    Engine& engine = theEngine();
-    try {
-        const ReadDataResult read = readAnalysis(engine, texts, options.equations, true);
-        if (read.outcome != ReadDataResult::Outcome::Accepted) {
-            std::fprintf(stderr, "the sample was not accepted: %s\n", read.messageText.c_str());
-            return 1;
-        }
-        engine.calculate(options.equations, windowInputs(texts));
-    } catch (const EngineError& e) {
-        std::fprintf(stderr, "engine error: %s\n", e.what());
+    // The user's saved window placement is neither read nor written.
+    QStandardPaths::setTestModeEnabled(true);
+    frmMain* main = startProgram();
+    runDemoSample(main);
+    if (!main->cmdshow->isEnabled()) {
+        std::fprintf(stderr, "the worked sample was not calculated\n");
         return 1;
     }
-
-    publishResultsWindows(engine, options);
-    showResultsWindow(engine, options);
+    main->cmdshow->click();
     frmresult* results = frmresult::instance();
     results->move(20, 20);
     bool ok = save(results, out.filePath("results.png"));

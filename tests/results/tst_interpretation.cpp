@@ -1,9 +1,7 @@
 // The interpretation of each index: every boundary of every table, in the
 // interpretation window and in the colour of the Results window's button.
-#include "results/frmenterper.h"
-#include "results/frmresult.h"
-#include "results/interpretation.h"
 #include "results/results.h"
+#include "tests/results/resultstest.h"
 #include "tests/support/guitest.h"
 #include "tests/support/recordingplatform.h"
 
@@ -16,6 +14,8 @@
 
 using namespace velmora;
 using interp::Index;
+using test::interpretationButton;
+using test::measured;
 
 Q_DECLARE_METATYPE(velmora::interp::Index)
 
@@ -32,38 +32,107 @@ double above(double x) {
     return std::nextafter(x, INFINITY);
 }
 
-double& valueOf(Index index) {
-    SweepArrays& sw = theEngine().sw;
-    switch (index) {
-    case Index::Langelier:
-        return sw.li(0);
-    case Index::Ryznar:
-        return sw.ri(0);
-    case Index::Puckorius:
-        return sw.por(0);
-    case Index::Aggressiveness:
-        return sw.ai(0);
-    case Index::DrivingForce:
-        return sw.dfi(0);
-    case Index::LarsonSkold:
-        return sw.lr(0);
-    case Index::MomentaryExcess:
-        return sw.me(0);
-    case Index::SaturationLevel:
-        return sw.sl(0);
-    }
-    return sw.li(0);
-}
-
-void unloadWindow(QWidget* w) {
-    if (!w) return;
-    w->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-QPushButton* button(Index index) {
-    return frmresult::instance()->findChild<QPushButton*>(interp::buttonName(index));
-}
+// The whole explanation of every row of every table, as the window shows it.
+struct RowText {
+    Index index;
+    double value;
+    const char* text;
+};
+const RowText kRowTexts[] = {
+    {Index::Langelier, -0.2,
+     "Description :   Near Balanced\r\nGeneral recomendation :  No Treatment"},
+    {Index::Langelier, -0.7,
+     "Description :   None- Mild Corrosion\r\nGeneral recomendation :  Probably No Treatment "},
+    // the corrosive side has one blank after the colon, the scaling side two
+    {Index::Langelier, -1.5,
+     "Description :   Mild Corrosion\r\nGeneral recomendation : Treatment May Be Needed"},
+    {Index::Langelier, -2.5,
+     "Description :   Moderate Corrosion\r\nGeneral recomendation : Treatment May Be Needed"},
+    {Index::Langelier, -3.5,
+     "Description :   Moderate Corrosion \r\nGeneral recomendation :  Treatment Recommended"},
+    {Index::Langelier, -4.5,
+     "Description :  Severe Corrosion\r\nGeneral recomendation :   Treatment Recommended"},
+    {Index::Langelier, 0.2,
+     "Description :   Near Balanced\r\nGeneral recomendation :  No Treatment"},
+    {Index::Langelier, 0.7,
+     "Description :  Some Faint Coating\r\nGeneral recomendation :  Probably No Treatment "},
+    {Index::Langelier, 1.5,
+     "Description :    Mild Scale Coating\r\nGeneral recomendation :  Treatment May Be Needed"},
+    {Index::Langelier, 2.5,
+     "Description :   Mild to Moderate Coatings\r\nGeneral recomendation :  Treatment May Be "
+     "Needed"},
+    {Index::Langelier, 3.5,
+     "Description :   Moderate Scale Forming \r\nGeneral recomendation :  Treatment Advisable"},
+    {Index::Langelier, -6,
+     "Description :   Severe Corrosion\r\nGeneral recomendation :  Treatment Recommended"},
+    {Index::Langelier, 5,
+     "Description :   Severe Scale Forming\r\nGeneral recomendation :  Treatment Advisable"},
+    {Index::Ryznar, 5,
+     "Description :   Heavy Scale Will form\r\nGeneral recomendation :  Treatment Recommended"},
+    {Index::Ryznar, 6,
+     "Description :   Mild scale\r\nGeneral recomendation :  Treatment may be Needed"},
+    {Index::Ryznar, 6.5,
+     "Description :   No difficulties\r\nGeneral recomendation :  No Treatment"},
+    {Index::Ryznar, 7.1,
+     "Description :   Water is aggressive\r\nGeneral recomendation :  Treatment recommended"},
+    {Index::Ryznar, 9,
+     "Description :   Water is very aggressive\r\nGeneral recomendation :   Treatment "
+     "recommended"},
+    {Index::Puckorius, 5,
+     "Description :   Scale-forming tendency\r\nGeneral recomendation :  Treatment may be Needed "},
+    {Index::Puckorius, 6,
+     "Description :  Water is Stable\r\nGeneral recomendation :  NO Treatment "},
+    {Index::Puckorius, 6.1,
+     "Description :   Corrosion may occur\r\nGeneral recomendation :  No Treatment\r\nNote : "
+     "Without The use of scale control Treatment\r\na colling tower operate scale free"},
+    {Index::Aggressiveness, 9,
+     "Description :  Water is Deemed to be Highly Aggressive\r\nGeneral recomendation :  "
+     "Treatment Recommended"},
+    {Index::Aggressiveness, 11,
+     "Description :   water is moderately aggressive\r\nGeneral recomendation :  Treatment may "
+     "be Needed"},
+    {Index::Aggressiveness, 13,
+     "Description :   No difficulties,water is not Aggressive(i.e.,Protective)\r\nGeneral "
+     "recomendation :  No Treatment"},
+    {Index::DrivingForce, 1,
+     "Description :   Water Saturated with Respect to caco3\r\nGeneral recomendation : probably "
+     "No Treatment"},
+    {Index::DrivingForce, 1.5,
+     "Description :  Water is Oversaturated with Respect to caco3\r\nGeneral recomendation : "
+     "Treatment may be Needed "},
+    {Index::DrivingForce, 0.5,
+     "Description :   Water is Undersaturated with Respect to caco3\r\nGeneral recomendation : "
+     "Treatment may be Needed"},
+    {Index::LarsonSkold, 0.5,
+     "Description :   Chlorides and sulfates do not influence the \r\nnatural formation of the "
+     "protective film\r\nGeneral recomendation :  Treatment Recommended"},
+    {Index::LarsonSkold, 0.8,
+     "Description :  Chlorides and Sulfates hinder formation of a \r\nprotective "
+     "film.\r\nGeneral recomendation :  Treatment may be Needed"},
+    {Index::LarsonSkold, 2,
+     "Description :   As the value of the index grows ,an increasingly \r\nhigher rate of "
+     "localized corrosion is observed.\r\nGeneral recomendation :   Treatment Rcommended"},
+    {Index::MomentaryExcess, 0.001,
+     "Description :  Water is Oversaturated with Respect to caco3\r\nGeneral recomendation :  "
+     "Treatment may be Needed"},
+    {Index::MomentaryExcess, 0.0001,
+     "Description :  Water is Saturated with Respect to caco3 \r\nGeneral recomendation :  N0 "
+     "Treatment"},
+    {Index::MomentaryExcess, -0.001,
+     "Description :   Water is Undersaturated with Respect to caco3\r\nGeneral recomendation :  "
+     "Treatment may be Needed"},
+    {Index::SaturationLevel, 1,
+     "Description :   Water Saturated with Respect to caco3\r\nGeneral recomendation : probably "
+     "No Treatment"},
+    {Index::SaturationLevel, 1.3,
+     "Description :  Water is Oversaturated with Respect to caco3\r\nNote : in a Typical System, "
+     "a Value of 1.2 to 1.5 can often be\r\nAchieved before Scaling Occurs.if it gose "
+     "Higher,Scaling is Likely.\r\nGeneral recomendation : Treatment may be Needed "},
+    {Index::SaturationLevel, 0.5,
+     "Description :   Water is Undersaturated with Respect to caco3\r\nNote :Scaling is Unlikely "
+     "and any Existing Scale is Likely to\r\n Dissolve.\r\nGeneral recomendation : Treatment may "
+     "be Needed"},
+};
 
 // The colour the button really paints, away from its caption.
 QColor paintedColour(QWidget* w) {
@@ -94,12 +163,9 @@ private slots:
         OptionState& o = theOptions();
         o.index = IndexFlags{true, true, true, true, true, true, true, true};
         for (Index i : interp::allIndices())
-            valueOf(i) = 0;
+            measured(i) = 0;
     }
-    void cleanup() {
-        unloadWindow(frmenterper::isLoaded() ? frmenterper::instance() : nullptr);
-        unloadWindow(frmresult::isLoaded() ? frmresult::instance() : nullptr);
-    }
+    void cleanup() { test::unloadResultWindows(); }
 
     void windowShowsRow_data() { addBoundaryRows(); }
     void windowShowsRow();
@@ -108,6 +174,7 @@ private slots:
 
     void fullTexts_data();
     void fullTexts();
+    void fullTextsCoverEveryRow();
     void captions_data();
     void captions();
     void rangesOfEveryTableLeaveNoOtherGap();
@@ -226,10 +293,10 @@ void TestInterpretation::windowShowsRow() {
     QFETCH(QString, firstLine);
     QFETCH(QColor, colour);
 
-    valueOf(index) = value;
+    measured(index) = value;
     publishResultsWindows(theEngine(), theOptions());
     showResultsWindow(theEngine(), theOptions());
-    QPushButton* b = button(index);
+    QPushButton* b = interpretationButton(index);
     QVERIFY(b && b->isEnabled());
     b->click();
 
@@ -249,110 +316,80 @@ void TestInterpretation::buttonColourFollowsRow() {
     QFETCH(double, value);
     QFETCH(QColor, colour);
 
-    valueOf(index) = value;
+    measured(index) = value;
     publishResultsWindows(theEngine(), theOptions());
     showResultsWindow(theEngine(), theOptions());
     QCOMPARE(frmresult::instance()->buttonColour(index), colour);
-    QCOMPARE(paintedColour(button(index)), colour);
+    QCOMPARE(paintedColour(interpretationButton(index)), colour);
 }
 
 void TestInterpretation::fullTexts_data() {
     QTest::addColumn<Index>("index");
     QTest::addColumn<double>("value");
     QTest::addColumn<QString>("text");
-    QTest::newRow("LI -1.5 corrosive side, one blank")
-        << Index::Langelier << -1.5
-        << "Description :   Mild Corrosion\r\nGeneral recomendation : Treatment May Be Needed";
-    QTest::newRow("LI 1.5 scaling side, two blanks")
-        << Index::Langelier << 1.5
-        << "Description :    Mild Scale Coating\r\nGeneral recomendation :  Treatment May Be "
-           "Needed";
-    QTest::newRow("LI 0.7 trailing blank")
-        << Index::Langelier << 0.7
-        << "Description :  Some Faint Coating\r\nGeneral recomendation :  Probably No Treatment ";
-    QTest::newRow("RI 7.1") << Index::Ryznar << 7.1
-                            << "Description :   Water is aggressive\r\nGeneral recomendation :  "
-                               "Treatment recommended";
-    QTest::newRow("PSI 6.1 with notes")
-        << Index::Puckorius << 6.1
-        << "Description :   Corrosion may occur\r\nGeneral recomendation :  No Treatment\r\nNote : "
-           "Without The use of scale control Treatment\r\na colling tower operate scale free";
-    QTest::newRow("ME 0.0001") << Index::MomentaryExcess << 0.0001
-                               << "Description :  Water is Saturated with Respect to caco3 "
-                                  "\r\nGeneral recomendation :  N0 Treatment";
-    QTest::newRow("LR 0.8") << Index::LarsonSkold << 0.8
-                            << "Description :  Chlorides and Sulfates hinder formation of a "
-                               "\r\nprotective film.\r\nGeneral recomendation :  Treatment may be "
-                               "Needed";
-    QTest::newRow("LR 2") << Index::LarsonSkold << 2.0
-                          << "Description :   As the value of the index grows ,an increasingly "
-                             "\r\nhigher rate of localized corrosion is observed.\r\nGeneral "
-                             "recomendation :   Treatment Rcommended";
-    QTest::newRow("SL 1.3") << Index::SaturationLevel << 1.3
-                            << "Description :  Water is Oversaturated with Respect to caco3\r\n"
-                               "Note : in a Typical System, a Value of 1.2 to 1.5 can often be\r\n"
-                               "Achieved before Scaling Occurs.if it gose Higher,Scaling is "
-                               "Likely.\r\nGeneral recomendation : Treatment may be Needed ";
-    QTest::newRow("SL 0.5") << Index::SaturationLevel << 0.5
-                            << "Description :   Water is Undersaturated with Respect to caco3\r\n"
-                               "Note :Scaling is Unlikely and any Existing Scale is Likely to\r\n "
-                               "Dissolve.\r\nGeneral recomendation : Treatment may be Needed";
-    QTest::newRow("DFI 1.5") << Index::DrivingForce << 1.5
-                             << "Description :  Water is Oversaturated with Respect to caco3\r\n"
-                                "General recomendation : Treatment may be Needed ";
-    QTest::newRow("AI 13") << Index::Aggressiveness << 13.0
-                           << "Description :   No difficulties,water is not "
-                              "Aggressive(i.e.,Protective)\r\nGeneral recomendation :  No "
-                              "Treatment";
+    for (const RowText& r : kRowTexts)
+        QTest::addRow("%s %g", interp::buttonName(r.index), r.value)
+            << r.index << r.value << QString::fromLatin1(r.text);
 }
 
 void TestInterpretation::fullTexts() {
     QFETCH(Index, index);
     QFETCH(double, value);
     QFETCH(QString, text);
-    valueOf(index) = value;
+    measured(index) = value;
     publishResultsWindows(theEngine(), theOptions());
-    button(index)->click();
+    interpretationButton(index)->click();
     QCOMPARE(frmresult::instance()->interpretationText(), text);
+    QCOMPARE(frmenterper::instance()->text1()->toPlainText(),
+             QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+}
+
+void TestInterpretation::fullTextsCoverEveryRow() {
+    for (Index index : interp::allIndices()) {
+        for (const interp::Row& row : interp::table(index)) {
+            bool covered = false;
+            for (const RowText& r : kRowTexts)
+                covered = covered || (r.index == index && interp::rowFor(index, r.value) == &row);
+            QVERIFY2(covered, qPrintable(QStringLiteral("%1, %2 has no text check")
+                                             .arg(interp::buttonCaption(index))
+                                             .arg(QString::fromStdString(row.range.text()))));
+        }
+    }
 }
 
 void TestInterpretation::captions_data() {
+    QTest::addColumn<Index>("index");
     QTest::addColumn<QString>("button");
     QTest::addColumn<QString>("buttonCaption");
     QTest::addColumn<QString>("windowCaption");
-    QTest::newRow("lan") << "cmdlan"
-                         << "Langelier"
-                         << "Langelier index interpretation";
-    QTest::newRow("ri") << "cmdri"
-                        << "Ryznar"
-                        << "Ryznar index interpretation";
-    QTest::newRow("por") << "cmdpor"
-                         << "Puckorius"
-                         << "Puckorius index interpretation";
-    QTest::newRow("ai") << "cmdai"
-                        << "Aggressiveness"
-                        << "Aggressiveness index interpretation";
-    QTest::newRow("dfi") << "cmddfi"
-                         << "Driving Force"
-                         << "Driving Force index interpretation";
-    QTest::newRow("lr") << "cmdlr"
-                        << "Larson -Scold"
-                        << "Larson-Scold index interpretation";
-    QTest::newRow("me") << "cmdme"
-                        << "Momentary Excess"
-                        << "Momentary Excess index interpretation";
-    QTest::newRow("sl") << "cmdsl"
-                        << "Saturation Level"
-                        << "Carbonate saturation Level interpretation";
+    const struct {
+        Index index;
+        const char *button, *buttonCaption, *windowCaption;
+    } rows[] = {
+        {Index::Langelier, "cmdlan", "Langelier", "Langelier index interpretation"},
+        {Index::Ryznar, "cmdri", "Ryznar", "Ryznar index interpretation"},
+        {Index::Puckorius, "cmdpor", "Puckorius", "Puckorius index interpretation"},
+        {Index::Aggressiveness, "cmdai", "Aggressiveness", "Aggressiveness index interpretation"},
+        {Index::DrivingForce, "cmddfi", "Driving Force", "Driving Force index interpretation"},
+        {Index::LarsonSkold, "cmdlr", "Larson -Scold", "Larson-Scold index interpretation"},
+        {Index::MomentaryExcess, "cmdme", "Momentary Excess",
+         "Momentary Excess index interpretation"},
+        {Index::SaturationLevel, "cmdsl", "Saturation Level",
+         "Carbonate saturation Level interpretation"},
+    };
+    for (const auto& r : rows)
+        QTest::newRow(r.button) << r.index << r.button << r.buttonCaption << r.windowCaption;
 }
 
 void TestInterpretation::captions() {
+    QFETCH(Index, index);
     QFETCH(QString, button);
     QFETCH(QString, buttonCaption);
     QFETCH(QString, windowCaption);
     publishResultsWindows(theEngine(), theOptions());
-    auto* b = frmresult::instance()->findChild<QPushButton*>(button);
+    auto* b = test::control<QPushButton>(frmresult::instance(), button);
     QVERIFY(b);
+    QCOMPARE(b, interpretationButton(index));
     QCOMPARE(b->text(), buttonCaption);
     b->click();
     QCOMPARE(frmenterper::instance()->windowTitle(), windowCaption);
@@ -384,50 +421,50 @@ void TestInterpretation::rangesOfEveryTableLeaveNoOtherGap() {
 void TestInterpretation::larsonSkoldAtOnePointTwo() {
     // 1.2 sits between "0.8 <= LR < 1.2" and "LR > 1.2": it is read as the
     // upper band, both in the window and on the button.
-    valueOf(Index::LarsonSkold) = 1.2;
+    measured(Index::LarsonSkold) = 1.2;
     publishResultsWindows(theEngine(), theOptions());
     showResultsWindow(theEngine(), theOptions());
     QCOMPARE(frmresult::instance()->buttonColour(Index::LarsonSkold), kRed);
-    button(Index::LarsonSkold)->click();
+    interpretationButton(Index::LarsonSkold)->click();
     QCOMPARE(frmenterper::instance()->backColour(), kRed);
     QVERIFY(frmresult::instance()->interpretationText().contains(
         "higher rate of localized corrosion is observed."));
 }
 
 void TestInterpretation::boldStaysUntilClosed() {
-    valueOf(Index::Langelier) = 0.2;
-    valueOf(Index::Ryznar) = 7.1;
+    measured(Index::Langelier) = 0.2;
+    measured(Index::Ryznar) = 7.1;
     publishResultsWindows(theEngine(), theOptions());
 
-    button(Index::Ryznar)->click();
+    interpretationButton(Index::Ryznar)->click();
     QVERIFY(!frmenterper::instance()->text1()->font().bold());
-    button(Index::Langelier)->click();
+    interpretationButton(Index::Langelier)->click();
     QVERIFY(frmenterper::instance()->text1()->font().bold());
     for (Index i : {Index::Ryznar, Index::SaturationLevel, Index::Puckorius}) {
-        button(i)->click();
+        interpretationButton(i)->click();
         QVERIFY(frmenterper::instance()->text1()->font().bold());
     }
     // Hidden is not closed: the font stays.
     frmenterper::instance()->hide();
-    button(Index::Ryznar)->click();
+    interpretationButton(Index::Ryznar)->click();
     QVERIFY(frmenterper::instance()->text1()->font().bold());
 
-    unloadWindow(frmenterper::instance());
+    test::unload<frmenterper>();
     QVERIFY(!frmenterper::isLoaded());
-    button(Index::Ryznar)->click();
+    interpretationButton(Index::Ryznar)->click();
     QVERIFY(!frmenterper::instance()->text1()->font().bold());
     QCOMPARE(frmenterper::instance()->text1()->toPlainText(),
              "Description :   Water is aggressive\nGeneral recomendation :  Treatment recommended");
 }
 
 void TestInterpretation::windowReusedAndRetitled() {
-    valueOf(Index::Ryznar) = 5;
-    valueOf(Index::Aggressiveness) = 11;
+    measured(Index::Ryznar) = 5;
+    measured(Index::Aggressiveness) = 11;
     publishResultsWindows(theEngine(), theOptions());
-    button(Index::Ryznar)->click();
+    interpretationButton(Index::Ryznar)->click();
     frmenterper* first = frmenterper::instance();
     QCOMPARE(first->backColour(), kRed);
-    button(Index::Aggressiveness)->click();
+    interpretationButton(Index::Aggressiveness)->click();
     QCOMPARE(frmenterper::instance(), first);
     QCOMPARE(first->windowTitle(), QStringLiteral("Aggressiveness index interpretation"));
     QCOMPARE(first->backColour(), kLightOrange);
@@ -440,13 +477,13 @@ void TestInterpretation::everyTextFitsTheBox() {
     publishResultsWindows(theEngine(), theOptions());
     for (bool bold : {false, true}) {
         if (bold) {
-            button(Index::Langelier)->click();
+            interpretationButton(Index::Langelier)->click();
             QVERIFY(frmenterper::instance()->text1()->font().bold());
         }
         for (Index index : interp::allIndices()) {
             for (const interp::Row& row : interp::table(index)) {
-                valueOf(index) = inside(row.range);
-                button(index)->click();
+                measured(index) = inside(row.range);
+                interpretationButton(index)->click();
                 QPlainTextEdit* t = frmenterper::instance()->text1();
                 QCoreApplication::processEvents();
                 QCOMPARE(t->toPlainText().count('\n') + 1, int(row.lines.size()));
@@ -461,9 +498,9 @@ void TestInterpretation::everyTextFitsTheBox() {
 }
 
 void TestInterpretation::colourShowsAroundTheText() {
-    valueOf(Index::Ryznar) = 6.5;
+    measured(Index::Ryznar) = 6.5;
     publishResultsWindows(theEngine(), theOptions());
-    button(Index::Ryznar)->click();
+    interpretationButton(Index::Ryznar)->click();
     frmenterper* w = frmenterper::instance();
     QPlainTextEdit* t = w->text1();
     QCOMPARE(t->geometry(), QRect(0, 0, 321, 129));
@@ -481,15 +518,15 @@ void TestInterpretation::noColourForValuesOutsideEveryRow() {
     // A value that is not a number has no explanation: the window says
     // nothing instead of repeating the text of another index, and the button
     // keeps its colour.
-    valueOf(Index::Ryznar) = 7.1;
-    valueOf(Index::Puckorius) = 5;
+    measured(Index::Ryznar) = 7.1;
+    measured(Index::Puckorius) = 5;
     publishResultsWindows(theEngine(), theOptions());
     showResultsWindow(theEngine(), theOptions());
-    button(Index::Ryznar)->click();
-    valueOf(Index::Puckorius) = std::nan("");
+    interpretationButton(Index::Ryznar)->click();
+    measured(Index::Puckorius) = std::nan("");
     showResultsWindow(theEngine(), theOptions());
     QCOMPARE(frmresult::instance()->buttonColour(Index::Puckorius), kRed);
-    button(Index::Puckorius)->click();
+    interpretationButton(Index::Puckorius)->click();
     QCOMPARE(frmenterper::instance()->windowTitle(), "Puckorius index interpretation");
     QVERIFY(frmenterper::instance()->text1()->toPlainText().isEmpty());
 }

@@ -2,6 +2,7 @@
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
+#include "tests/results/resultstest.h"
 #include "tests/support/guitest.h"
 #include "tests/support/recordingplatform.h"
 
@@ -14,57 +15,38 @@ using namespace velmora;
 
 namespace {
 
-void unloadWindow(QWidget* w) {
-    if (!w) return;
-    w->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+// File > Properties.
+void openDialog() {
+    test::trigger(frmMain::instance()->mnuFileProperties);
 }
-
 QLineEdit* dialogBox(const char* name) {
-    return frmproperties::instance()->findChild<QLineEdit*>(name);
+    return test::control<QLineEdit>(frmproperties::instance(), name);
 }
 QLineEdit* mainBox(const char* name) {
-    return frmMain::instance()->findChild<QLineEdit*>(name);
+    return test::control<QLineEdit>(frmMain::instance(), name);
 }
 QGroupBox* sampleFrame() {
-    return frmMain::instance()->findChild<QGroupBox*>("frasample");
+    return frmMain::instance()->frasample;
 }
 void clickOk() {
-    frmproperties::instance()->findChild<QPushButton*>("cmdOK")->click();
+    test::click(test::control<QPushButton>(frmproperties::instance(), "cmdOK"));
 }
 void clickCancel() {
-    frmproperties::instance()->findChild<QPushButton*>("cmdCancel")->click();
+    test::click(test::control<QPushButton>(frmproperties::instance(), "cmdCancel"));
 }
 
-void type(const char* box, const QString& text) {
-    QLineEdit* b = dialogBox(box);
-    b->clear();
-    QTest::keyClicks(b, text);
+void typeIn(const char* box, const QString& text) {
+    test::retype(dialogBox(box), text);
 }
 
 } // namespace
 
-class TestProperties : public QObject {
+// Every test starts the program afresh (sample boxes empty and disabled) on
+// a 1024 x 768 screen.
+class TestProperties : public test::ProgramTest {
     Q_OBJECT
 
-private:
-    test::RecordingPlatform platform_;
-
 private slots:
-    void init() {
-        platform_.screen = QSize(1024, 768);
-        // A fresh main window: sample boxes empty and disabled.
-        frmMain::instance()->mnuFileNew_Click();
-    }
-    void cleanup() {
-        unloadWindow(frmproperties::isLoaded() ? frmproperties::instance() : nullptr);
-    }
-    void cleanupTestCase() {
-        unloadWindow(frmproperties::isLoaded() ? frmproperties::instance() : nullptr);
-        unloadWindow(frmMain::instance());
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
     void design();
     void okWithEveryBoxEmpty();
     void okWritesPrefixedTexts_data();
@@ -79,7 +61,7 @@ private slots:
 };
 
 void TestProperties::design() {
-    openPropertiesDialog();
+    openDialog();
     frmproperties* d = frmproperties::instance();
     QVERIFY(d->isVisible());
     QCOMPARE(d->windowTitle(), "Sample properties");
@@ -101,7 +83,7 @@ void TestProperties::design() {
 
 void TestProperties::okWithEveryBoxEmpty() {
     QVERIFY(!sampleFrame()->isEnabled());
-    openPropertiesDialog();
+    openDialog();
     clickOk();
     QVERIFY(!frmproperties::instance()->isVisible());
     QVERIFY(frmproperties::isLoaded()); // hidden, not unloaded
@@ -119,26 +101,17 @@ void TestProperties::okWritesPrefixedTexts_data() {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("mainBox");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("operator") << "txtname"
-                              << "X"
-                              << "txtnam"
-                              << "operator name :X ";
-    QTest::newRow("organization") << "txtorgan"
-                                  << "Water Board"
-                                  << "txtorg"
-                                  << "Organization name :Water Board";
-    QTest::newRow("date") << "txtdate"
-                          << "12 May 2024"
-                          << "txtdat"
-                          << "Date of samplling :12 May 2024";
-    QTest::newRow("date not checked") << "txtdate"
-                                      << "yesterday?"
-                                      << "txtdat"
-                                      << "Date of samplling :yesterday?";
-    QTest::newRow("location") << "txtlocation"
-                              << "Well 7"
-                              << "txtloc"
-                              << "sample location name :Well 7";
+    const struct {
+        const char *name, *dialogBox, *typed, *mainBox, *shown;
+    } rows[] = {
+        {"operator", "txtname", "X", "txtnam", "operator name :X "},
+        {"organization", "txtorgan", "Water Board", "txtorg", "Organization name :Water Board"},
+        {"date", "txtdate", "12 May 2024", "txtdat", "Date of samplling :12 May 2024"},
+        {"date not checked", "txtdate", "yesterday?", "txtdat", "Date of samplling :yesterday?"},
+        {"location", "txtlocation", "Well 7", "txtloc", "sample location name :Well 7"},
+    };
+    for (const auto& r : rows)
+        QTest::newRow(r.name) << r.dialogBox << r.typed << r.mainBox << r.shown;
 }
 
 void TestProperties::okWritesPrefixedTexts() {
@@ -146,8 +119,8 @@ void TestProperties::okWritesPrefixedTexts() {
     QFETCH(QString, typed);
     QFETCH(QString, mainBox);
     QFETCH(QString, shown);
-    openPropertiesDialog();
-    type(dialogBox.toLatin1().constData(), typed);
+    openDialog();
+    typeIn(dialogBox.toLatin1().constData(), typed);
     clickOk();
     QCOMPARE(::mainBox(mainBox.toLatin1().constData())->text(), shown);
     QVERIFY(::mainBox(mainBox.toLatin1().constData())->font().bold());
@@ -158,68 +131,67 @@ void TestProperties::okWritesPrefixedTexts() {
 }
 
 void TestProperties::familyNameAloneIsNotShown() {
-    openPropertiesDialog();
-    type("txtfamily", "Y");
+    openDialog();
+    typeIn("txtfamily", "Y");
     clickOk();
     QVERIFY(mainBox("txtnam")->text().isEmpty());
     QVERIFY(!sampleFrame()->isEnabled());
 
-    openPropertiesDialog();
-    type("txtname", "X");
+    openDialog();
+    typeIn("txtname", "X");
     clickOk();
     QCOMPARE(mainBox("txtnam")->text(), "operator name :X Y");
 }
 
 void TestProperties::emptyFieldKeepsEarlierText() {
-    openPropertiesDialog();
-    type("txtorgan", "Utility");
-    type("txtlocation", "Plant");
+    openDialog();
+    typeIn("txtorgan", "Utility");
+    typeIn("txtlocation", "Plant");
     clickOk();
-    openPropertiesDialog();
+    openDialog();
     dialogBox("txtorgan")->clear();
-    type("txtlocation", "Reservoir");
+    typeIn("txtlocation", "Reservoir");
     clickOk();
     QCOMPARE(mainBox("txtorg")->text(), "Organization name :Utility");
     QCOMPARE(mainBox("txtloc")->text(), "sample location name :Reservoir");
 }
 
 void TestProperties::reopenAfterOkKeepsEntries() {
-    openPropertiesDialog();
-    type("txtname", "Ada");
-    type("txtfamily", "Lovelace");
-    type("txtdate", "1 June");
+    openDialog();
+    typeIn("txtname", "Ada");
+    typeIn("txtfamily", "Lovelace");
+    typeIn("txtdate", "1 June");
     clickOk();
-    openPropertiesDialog();
+    openDialog();
     QCOMPARE(dialogBox("txtname")->text(), "Ada");
     QCOMPARE(dialogBox("txtfamily")->text(), "Lovelace");
     QCOMPARE(dialogBox("txtdate")->text(), "1 June");
 }
 
 void TestProperties::cancelDiscardsEarlierOk() {
-    openPropertiesDialog();
-    type("txtname", "Ada");
+    openDialog();
+    typeIn("txtname", "Ada");
     clickOk();
-    openPropertiesDialog();
-    type("txtorgan", "Typed then cancelled");
+    openDialog();
+    typeIn("txtorgan", "Typed then cancelled");
     clickCancel();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!frmproperties::isLoaded());
     // The main window keeps what the earlier OK wrote.
     QCOMPARE(mainBox("txtnam")->text(), "operator name :Ada ");
     QVERIFY(mainBox("txtorg")->text().isEmpty());
-    openPropertiesDialog();
+    openDialog();
     for (const char* box : {"txtname", "txtfamily", "txtorgan", "txtdate", "txtlocation"})
         QVERIFY2(dialogBox(box)->text().isEmpty(), box);
 }
 
 void TestProperties::readersSeeTheDialogsBoxes() {
     QVERIFY(currentSampleProperties().operatorName.empty());
-    openPropertiesDialog();
-    type("txtname", "Ada");
-    type("txtfamily", "Lovelace");
-    type("txtorgan", "Org");
-    type("txtdate", "d");
-    type("txtlocation", "l");
+    openDialog();
+    typeIn("txtname", "Ada");
+    typeIn("txtfamily", "Lovelace");
+    typeIn("txtorgan", "Org");
+    typeIn("txtdate", "d");
+    typeIn("txtlocation", "l");
     // Read from the boxes, OK or not.
     SampleProperties p = currentSampleProperties();
     QCOMPARE(p.operatorName, "Ada");
@@ -228,34 +200,33 @@ void TestProperties::readersSeeTheDialogsBoxes() {
     QCOMPARE(p.date, "d");
     QCOMPARE(p.location, "l");
     clickCancel();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(currentSampleProperties().operatorName.empty());
 }
 
 void TestProperties::newEmptiesMainBoxesButKeepsDialog() {
-    openPropertiesDialog();
-    type("txtname", "Ada");
+    openDialog();
+    typeIn("txtname", "Ada");
     clickOk();
     QVERIFY(sampleFrame()->isEnabled());
-    frmMain::instance()->mnuFileNew_Click();
+    test::trigger(m_->mnuFileNew);
     QVERIFY(mainBox("txtnam")->text().isEmpty());
     QVERIFY(!sampleFrame()->isEnabled());
-    openPropertiesDialog();
+    openDialog();
     QCOMPARE(dialogBox("txtname")->text(), "Ada");
 }
 
 void TestProperties::placement() {
-    platform_.useSmallScreen();
-    openPropertiesDialog();
+    rec_->useSmallScreen();
+    openDialog();
     QCOMPARE(frmproperties::instance()->pos(), QPoint(133, 80));
     frmproperties::instance()->move(5, 5);
-    openPropertiesDialog();
+    openDialog();
     QCOMPARE(frmproperties::instance()->pos(), QPoint(133, 80));
     QVERIFY(QRect(0, 0, 800, 600).contains(frmproperties::instance()->frameGeometry()));
 
-    platform_.screen = QSize(1024, 768);
+    rec_->screen = QSize(1024, 768);
     frmproperties::instance()->move(5, 5);
-    openPropertiesDialog();
+    openDialog();
     QCOMPARE(frmproperties::instance()->pos(), QPoint(5, 5));
 }
 

@@ -4,9 +4,7 @@
 #include "options/frmactivity.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
-#include "results/frmenterper.h"
-#include "results/frmmore.h"
-#include "results/frmresult.h"
+#include "tests/results/resultstest.h"
 #include "tests/support/guitest.h"
 #include "tests/support/recordingplatform.h"
 
@@ -24,75 +22,52 @@ using interp::Index;
 namespace {
 
 QLineEdit* resultBox(const char* name) {
-    return frmresult::instance()->findChild<QLineEdit*>(name);
-}
-QPushButton* resultButton(const char* name) {
-    return frmresult::instance()->findChild<QPushButton*>(name);
+    return test::control<QLineEdit>(frmresult::instance(), name);
 }
 
 } // namespace
 
-class TestSession : public QObject {
+// The program as it starts (the Langelier equation preset), on a recording
+// platform.
+class TestSession : public test::ProgramTest {
     Q_OBJECT
 
-private:
-    test::RecordingPlatform platform_;
-
 private slots:
-    void initTestCase() {
-        // What the start procedure does before showing the main window.
-        theOptions().equations.bllang = true;
-        frmMain::instance()->show();
-    }
-    void cleanupTestCase() {
-        frmMain::instance()->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
     void workedSample();
 };
 
 void TestSession::workedSample() {
-    frmMain* m = frmMain::instance();
+    frmMain* m = m_;
 
     // Options: every index reported (the Larson-Skold index brings the
     // chloride and sulphate boxes), no sweep.
-    m->mnuoptionoptions_Click();
-    frmOptions* o = frmOptions::instance();
-    for (QCheckBox* c :
-         {o->chkli, o->chkri, o->chkpor, o->chklr, o->chkdfi, o->chkai, o->chkme, o->chksl})
-        c->setChecked(true);
-    o->chkphsweep->setChecked(false);
-    o->cmdOK->click();
+    frmOptions* o = openOptions();
+    applyOptions(
+        {o->chkli, o->chkri, o->chkpor, o->chklr, o->chkdfi, o->chkai, o->chkme, o->chksl});
     QVERIFY(theOptions().index.bllr);
 
     // Activity by the Debye-Huckel limiting law.
-    m->mnusittingac_Click();
-    frmactivity::instance()->optdebye->click();
-    frmactivity::instance()->cmdOK->click();
+    test::trigger(m->mnusittingac);
+    test::click(frmactivity::instance()->optdebye);
+    test::click(frmactivity::instance()->cmdOK);
     QVERIFY(theOptions().equations.bldebye);
 
-    const std::pair<QLineEdit*, const char*> typed[] = {
-        {m->txtt, "25"},    {m->txtph, "7.5"}, {m->txtalk, "200"}, {m->txtca, "80"},
-        {m->txttds, "400"}, {m->txtcl, "50"},  {m->txtso4, "60"},
-    };
-    for (const auto& [box, text] : typed) {
-        QVERIFY2(box->isEnabled(), qPrintable(box->objectName()));
-        QTest::keyClicks(box, text);
-    }
+    test::typeWorkedSample(m);
+    for (QLineEdit* box : {m->txtt, m->txtph, m->txtalk, m->txtca, m->txttds, m->txtcl, m->txtso4})
+        QVERIFY2(!box->text().isEmpty(), qPrintable(box->objectName()));
     // Magnesium plays no part under the Langelier equation: its box is off.
     QVERIFY(!m->txtmg->isEnabled());
-    QVERIFY(platform_.messages.isEmpty());
+    QVERIFY(rec_->messages.isEmpty());
     QCOMPARE(m->statusText(), QStringLiteral("Ready for Reading Data "));
 
-    m->cmdread->click();
+    test::click(m->cmdread);
     QCOMPARE(m->statusText(), QStringLiteral("Ready for Analysis"));
     QVERIFY(m->cmdcalc->isEnabled());
-    m->cmdcalc->click();
+    test::click(m->cmdcalc);
     QCOMPARE(m->statusText(), QStringLiteral("End of analysis "));
     QVERIFY(m->cmdshow->isEnabled());
-    m->cmdshow->click();
-    QVERIFY(platform_.messages.isEmpty());
+    test::click(m->cmdshow);
+    QVERIFY(rec_->messages.isEmpty());
 
     // The Results window.
     QVERIFY(frmresult::instance()->isVisible());
@@ -112,35 +87,31 @@ void TestSession::workedSample() {
     struct Expected {
         Index index;
         QColor colour;
-        const char* caption;
         const char* firstLine;
     };
     const Expected expected[] = {
-        {Index::Langelier, QColor(0, 255, 0), "Langelier index interpretation",
-         "Description :   Near Balanced"},
-        {Index::Ryznar, QColor(255, 128, 128), "Ryznar index interpretation",
-         "Description :   Water is aggressive"},
-        {Index::Puckorius, QColor(0, 255, 0), "Puckorius index interpretation",
-         "Description :   Corrosion may occur"},
-        {Index::DrivingForce, QColor(255, 255, 192), "Driving Force index interpretation",
+        {Index::Langelier, QColor(0, 255, 0), "Description :   Near Balanced"},
+        {Index::Ryznar, QColor(255, 128, 128), "Description :   Water is aggressive"},
+        {Index::Puckorius, QColor(0, 255, 0), "Description :   Corrosion may occur"},
+        {Index::DrivingForce, QColor(255, 255, 192),
          "Description :   Water is Undersaturated with Respect to caco3"},
-        {Index::MomentaryExcess, QColor(192, 255, 192), "Momentary Excess index interpretation",
+        {Index::MomentaryExcess, QColor(192, 255, 192),
          "Description :  Water is Saturated with Respect to caco3 "},
-        {Index::Aggressiveness, QColor(128, 255, 128), "Aggressiveness index interpretation",
+        {Index::Aggressiveness, QColor(128, 255, 128),
          "Description :   No difficulties,water is not Aggressive(i.e.,Protective)"},
-        {Index::SaturationLevel, QColor(255, 255, 192), "Carbonate saturation Level interpretation",
+        {Index::SaturationLevel, QColor(255, 255, 192),
          "Description :   Water is Undersaturated with Respect to caco3"},
-        {Index::LarsonSkold, QColor(255, 0, 0), "Larson-Scold index interpretation",
+        {Index::LarsonSkold, QColor(255, 0, 0),
          "Description :   Chlorides and sulfates do not influence the "},
     };
     for (const Expected& e : expected) {
         QCOMPARE(frmresult::instance()->buttonColour(e.index), e.colour);
         m->cmdcalc->setEnabled(true); // an interpretation turns Calculate off again
-        resultButton(interp::buttonName(e.index))->click();
+        test::click(test::interpretationButton(e.index));
         QVERIFY(!m->cmdcalc->isEnabled());
         frmenterper* w = frmenterper::instance();
         QVERIFY(w->isVisible());
-        QCOMPARE(w->windowTitle(), QString(e.caption));
+        QCOMPARE(w->windowTitle(), QString(interp::windowCaption(e.index)));
         QCOMPARE(w->backColour(), e.colour);
         QCOMPARE(w->text1()->toPlainText().section('\n', 0, 0), QString(e.firstLine));
         // The Langelier interpretation came first: everything after it is bold.
@@ -148,7 +119,7 @@ void TestSession::workedSample() {
     }
 
     // More results: the equilibrium data of the Debye-Huckel calculation.
-    resultButton("cmdmore")->click();
+    test::click(test::control<QPushButton>(frmresult::instance(), "cmdmore"));
     frmmore* more = frmmore::instance();
     QVERIFY(more->isVisible());
     QCOMPARE(more->findChild<QLineEdit*>("txti")->text(), "1.000E-2");
@@ -161,7 +132,7 @@ void TestSession::workedSample() {
     QVERIFY(more->findChild<QLineEdit*>("txtlanmd")->text().isEmpty());
 
     // Clear empties the Langelier and Ryznar values only.
-    m->cmdclear->click();
+    test::click(m->cmdclear);
     QVERIFY(resultBox("txtlan")->text().isEmpty());
     QVERIFY(resultBox("txtryz")->text().isEmpty());
     QCOMPARE(resultBox("txtpor")->text(), "6.6078");

@@ -1,15 +1,21 @@
 #include "tests/support/programfixture.h"
 
+#include "app/startup.h"
 #include "engine/engine.h"
 #include "mainwindow/frmmain.h"
+#include "options/frmionic.h"
+#include "options/frmoptions.h"
 #include "options/optionstate.h"
+#include "tests/support/recordingplatform.h"
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QTabBar>
 #include <QTest>
 
 namespace velmora::test {
@@ -66,6 +72,73 @@ void typeWorkedSample(frmMain* m) {
         {m->txttds, "400"}, {m->txtcl, "50"},  {m->txtso4, "60"}};
     for (const auto& [box, text] : sample)
         if (box->isEnabled()) typeInto(box, QLatin1String(text));
+}
+
+// ---------------------------------------------------------------------------
+
+void ProgramTest::init() {
+    rec_ = new RecordingPlatform;
+    m_ = startProgram();
+}
+
+void ProgramTest::cleanup() {
+    resetProgram();
+    delete rec_;
+    rec_ = nullptr;
+    m_ = nullptr;
+}
+
+QLineEdit* ProgramTest::box(const QString& name) const {
+    QLineEdit* b = m_->findChild<QLineEdit*>(name);
+    if (!b) qWarning("no box named %s", qPrintable(name));
+    return b;
+}
+
+void ProgramTest::type(const QStringList& entries) {
+    for (const QString& e : entries) {
+        const QStringList kv = e.split(QLatin1Char('='));
+        QLineEdit* b = box(kv[0]);
+        QVERIFY2(b && b->isEnabled(), qPrintable(kv[0] + QStringLiteral(" cannot be typed in")));
+        retype(b, kv[1]);
+    }
+}
+
+frmionic* ProgramTest::openIonic() {
+    m_->mnusettingis->trigger();
+    return frmionic::instance();
+}
+
+void ProgramTest::chooseEquation(const QString& equation) {
+    frmionic* d = openIonic();
+    QRadioButton* option = equation == QLatin1String("lewis") ? d->optlewis
+                           : equation == QLatin1String("rus") ? d->optrus
+                                                              : d->optlang;
+    click(option);
+    QVERIFY2(option->isChecked(), "option not selected");
+    click(d->cmdOK);
+}
+
+frmOptions* ProgramTest::openOptions() {
+    m_->mnuoptionoptions->trigger();
+    return frmOptions::instance();
+}
+
+void ProgramTest::fillSweep(frmOptions* o, const QString& start, const QString& increment,
+                            const QString& steps) {
+    o->tbsOptions->setCurrentIndex(1);
+    if (!o->chkphsweep->isChecked()) click(o->chkphsweep);
+    retype(o->txtinitialph, start);
+    retype(o->txtincrementph, increment);
+    retype(o->txtstep, steps);
+}
+
+void ProgramTest::applyOptions(const QList<QCheckBox*>& ticks, const QString& start,
+                               const QString& increment, const QString& steps) {
+    frmOptions* o = openOptions();
+    for (QCheckBox* c : ticks)
+        if (!c->isChecked()) click(c);
+    if (!start.isNull()) fillSweep(o, start, increment, steps);
+    click(o->cmdOK);
 }
 
 } // namespace velmora::test
