@@ -461,7 +461,7 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
 
     // the measured point, into element 1 and copied to element 0
     sw.ipoint = 1;
-    sw.ph(1) = fmt::leadingNumber(in.phText);
+    sw.ph(1) = F(fmt::leadingNumber(in.phText), "measured pH");
     sw.ph(0) = sw.ph(1);
     computepoint(flags, in);
     copyMeasuredPoint();

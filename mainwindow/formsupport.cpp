@@ -9,6 +9,8 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace velmora {
 
 namespace {
@@ -22,6 +24,31 @@ QPalette::ColorRole roleOf(const QWidget* w) {
 }
 
 } // namespace
+
+namespace {
+std::vector<QWidget*>& windowList() {
+    static std::vector<QWidget*> windows;
+    return windows;
+}
+} // namespace
+
+const std::vector<QWidget*>& loadedWindows() {
+    return windowList();
+}
+
+bool isLoadedWindow(const QWidget* w) {
+    const auto& list = windowList();
+    return std::find(list.begin(), list.end(), w) != list.end();
+}
+
+void windowLoaded(QWidget* w) {
+    windowList().push_back(w);
+}
+
+void windowUnloaded(QWidget* w) {
+    auto& list = windowList();
+    list.erase(std::remove(list.begin(), list.end(), w), list.end());
+}
 
 QColor vbColor(quint32 bgr) {
     if (bgr & 0x80000000u) {

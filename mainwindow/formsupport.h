@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 class QLineEdit;
 
@@ -30,6 +31,12 @@ constexpr quint32 CalcButton = 0x00C0FFFF;
 constexpr quint32 ButtonFace = 0x8000000F;       // the system button face
 constexpr quint32 WindowBackground = 0x80000005; // the system window background
 } // namespace vb
+
+// The windows of the program that are loaded, in the order they were loaded.
+const std::vector<QWidget*>& loadedWindows();
+bool isLoadedWindow(const QWidget* w);
+void windowLoaded(QWidget* w);
+void windowUnloaded(QWidget* w);
 
 // The one application-wide instance of the window class W (derived from
 // Base, a QWidget): created on first use, possibly without being shown; a
@@ -54,6 +61,7 @@ protected:
         : Base(std::forward<Args>(args)...) {
         current_ = this;
         this->setAttribute(Qt::WA_DeleteOnClose);
+        windowLoaded(this);
     }
     // Closing always unloads (a dialog's own close handling, which would
     // run its reject(), is not wanted here).
@@ -65,6 +73,7 @@ protected:
     // The window is being unloaded: the next instance() creates a new one.
     void forget() {
         if (current_ == this) current_ = nullptr;
+        windowUnloaded(this);
     }
 
 private:

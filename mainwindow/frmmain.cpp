@@ -18,6 +18,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -30,6 +31,9 @@
 #include <QToolBar>
 
 #include <exception>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace velmora {
 
@@ -134,7 +138,35 @@ frmMain::frmMain() {
     moveTwips(this, 1200, 900);
 
     connectHandlers();
+    // the menu shortcuts win over a text box's own keys (Ctrl+E moves to
+    // the end of the line in some keyboard schemes)
+    for (QLineEdit* box : findChildren<QLineEdit*>())
+        box->installEventFilter(this);
     theEngine().setObserver(this);
+}
+
+QAction* frmMain::menuShortcutFor(const QKeyEvent* key) const {
+    const QKeySequence pressed(key->keyCombination());
+    for (QAction* a : {mnuFileNew, mnuFileSave, mnuFilePrint, mnuFileExit})
+        if (a->shortcut() == pressed) return a;
+    return nullptr;
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        if (QAction* action = menuShortcutFor(key)) {
+            if (event->type() == QEvent::ShortcutOverride) {
+                // not claimed by the box: the shortcut runs
+                event->ignore();
+                return true;
+            }
+            // the box was handed the key all the same: run the command here
+            if (action->isEnabled()) action->trigger();
+            return true;
+        }
+    }
+    return SingleWindow::eventFilter(watched, event);
 }
 
 frmMain::~frmMain() {
@@ -608,10 +640,10 @@ void frmMain::hideEvent(QHideEvent* event) {
 
 void frmMain::closeEvent(QCloseEvent* event) {
     // every other window of the program goes first, the newest first
-    const QWidgetList windows = QApplication::topLevelWidgets();
+    const std::vector<QWidget*> windows = loadedWindows();
     for (auto it = windows.crbegin(); it != windows.crend(); ++it) {
         QWidget* w = *it;
-        if (w != this && w->testAttribute(Qt::WA_DeleteOnClose)) w->close();
+        if (w != this && isLoadedWindow(w)) w->close();
     }
     if (!isMinimized()) {
         Platform& p = platform();
@@ -784,9 +816,16 @@ void frmMain::cmdcalc_Click() {
     in.initialText = options->txtinitialph->text().toStdString();
     in.incrementText = options->txtincrementph->text().toStdString();
     in.stepText = options->txtstep->text().toStdString();
+    // a failure before the sweep leaves the results of the last calculation
+    // as they were, for Show results and More results to show
+    Engine& engine = theEngine();
+    const auto saved =
+        std::make_unique<const std::pair<AnalysisRecord, SweepArrays>>(engine.rec, engine.sw);
     try {
-        theEngine().calculate(theOptions().equations, in);
+        engine.calculate(theOptions().equations, in);
     } catch (const std::exception& e) {
+        engine.rec = saved->first;
+        engine.sw = saved->second;
         reportFailure(QStringLiteral("Calculate"), e.what());
     }
 }

@@ -15,6 +15,7 @@
 
 class QAction;
 class QGroupBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -151,6 +152,7 @@ public slots:
 
 protected:
     void closeEvent(QCloseEvent* event) override; // Form_Unload
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
@@ -180,6 +182,7 @@ private:
     bool sweepChecked() const;
     bool larsonSkoldChecked() const;
     void reportFailure(const QString& command, const char* what);
+    QAction* menuShortcutFor(const QKeyEvent* key) const;
 
     QLabel *panel1_ = nullptr, *panel2_ = nullptr, *panel3_ = nullptr;
     QTimer* clock_ = nullptr;

@@ -899,6 +899,10 @@ INSTANTIATE_TEST_SUITE_P(
         MeasuredErrorRow{"AbsoluteZero",
                          [](Engine& e, EquationFlags&, WindowInputs&) { e.rec.temp = -273.15; },
                          Kind::DivisionByZero},
+        // a pH text too large for a number is not stored as an infinite pH
+        MeasuredErrorRow{"PhTextOverflows",
+                         [](Engine&, EquationFlags&, WindowInputs& in) { in.phText = "1e400"; },
+                         Kind::Overflow},
         MeasuredErrorRow{"HardnessOverflows",
                          [](Engine& e, EquationFlags&, WindowInputs&) { e.rec.ca = 1e308; },
                          Kind::Overflow},

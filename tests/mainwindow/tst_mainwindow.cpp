@@ -18,6 +18,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -346,6 +347,29 @@ private slots:
         QCOMPARE(rec_->settingWrites, 4);
     }
 
+    // Some keyboard schemes give Ctrl+E to the text box (end of line); a key
+    // that reaches the box all the same still runs the menu command.
+    void menuKeysReachingABoxRunTheirCommand() {
+        QVERIFY(QTest::qWaitForWindowActive(m_));
+        QKeyEvent override(QEvent::ShortcutOverride, Qt::Key_E, Qt::ControlModifier);
+        override.ignore();
+        QApplication::sendEvent(m_->txtph, &override);
+        QVERIFY(!override.isAccepted()); // not claimed: the shortcut runs
+        QKeyEvent end(QEvent::KeyPress, Qt::Key_E, Qt::ControlModifier);
+        QApplication::sendEvent(m_->txtph, &end);
+        QVERIFY(!frmMain::isLoaded());
+        QCOMPARE(rec_->settingWrites, 4);
+    }
+
+    void otherKeysStayWithTheBox() {
+        test::typeInto(m_->txtt, QStringLiteral("25"));
+        m_->txtt->setCursorPosition(0);
+        QKeyEvent end(QEvent::KeyPress, Qt::Key_End, Qt::NoModifier);
+        QApplication::sendEvent(m_->txtt, &end);
+        QCOMPARE(m_->txtt->cursorPosition(), 2);
+        QVERIFY(frmMain::isLoaded());
+    }
+
     void focusStartsInTemperature() {
         QVERIFY(QTest::qWaitForWindowActive(m_));
         QCOMPARE(QApplication::focusWidget(), m_->txtt);
@@ -588,7 +612,21 @@ private slots:
         frmOptions::instance()->chkli->setChecked(true);
         frmOptions::instance()->cmdOK_Click(); // hidden, still loaded
         QVERIFY(frmOptions::isLoaded() && frmOptions::instance()->isHidden());
+        // closed newest first
+        QStringList closed;
+        struct CloseRecorder : QObject {
+            QStringList* list;
+            explicit CloseRecorder(QStringList* l) : list(l) {}
+            bool eventFilter(QObject* o, QEvent* e) override {
+                if (e->type() == QEvent::Close) list->append(o->metaObject()->className());
+                return false;
+            }
+        } recorder(&closed);
+        for (QWidget* w : loadedWindows())
+            if (w != m_) w->installEventFilter(&recorder);
         m_->mnuFileExit->trigger();
+        QCOMPARE(closed,
+                 (QStringList{"velmora::frmactivity", "velmora::frmionic", "velmora::frmOptions"}));
         QVERIFY(!frmMain::isLoaded());
         QVERIFY(!frmOptions::isLoaded());
         QVERIFY(!frmionic::isLoaded());

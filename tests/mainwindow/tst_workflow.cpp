@@ -380,10 +380,13 @@ private slots:
     // ---------------------------------------------------------------- failures
     void failureAtTheMeasuredPointKeepsEarlierResults() {
         calculateWorkedSample();
-        const double li0 = theEngine().sw.li(0);
+        const Engine& e = theEngine();
+        const double li0 = e.sw.li(0), ph0 = e.sw.ph(0), ct = e.sw.ct, pck2 = e.rec.pck2,
+                     mca = e.rec.mca, li1 = e.sw.li(1);
         test::click(m_->cmdclear);
         test::typeWorkedSample(m_);
         test::retype(m_->txtca, QStringLiteral("0"));
+        test::retype(m_->txtph, QStringLiteral("8.2"));
         test::click(m_->cmdread);
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         rec_->clear();
@@ -393,7 +396,14 @@ private slots:
                      QStringLiteral("Calculate failed: logarithm of a non-positive number")),
                  qPrintable(rec_->last().text));
         QCOMPARE(rec_->last().title, QStringLiteral("Velmora"));
-        QCOMPARE(theEngine().sw.li(0), li0);
+        // the whole measured point of the last calculation stays, for Show
+        // results and More results: pH, carbonate total and constants too
+        QCOMPARE(e.sw.li(0), li0);
+        QCOMPARE(e.sw.ph(0), ph0);
+        QCOMPARE(e.sw.ct, ct);
+        QCOMPARE(e.rec.pck2, pck2);
+        QCOMPARE(e.sw.li(1), li1);
+        QCOMPARE(e.rec.mca, mca);
         QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
         QVERIFY(!m_->cmdshow->isEnabled());
     }
