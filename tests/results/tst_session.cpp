@@ -34,6 +34,7 @@ class TestSession : public test::ProgramTest {
 
 private slots:
     void workedSample();
+    void larsonSkoldNotChosen();
 };
 
 void TestSession::workedSample() {
@@ -136,6 +137,42 @@ void TestSession::workedSample() {
     QVERIFY(resultBox("txtlan")->text().isEmpty());
     QVERIFY(resultBox("txtryz")->text().isEmpty());
     QCOMPARE(resultBox("txtpor")->text(), "6.6078");
+}
+
+// Without the Larson-Skold index, Show results empties its display; the next
+// calculation without a sweep publishes it again.
+void TestSession::larsonSkoldNotChosen() {
+    frmMain* m = m_;
+    frmOptions* o = openOptions();
+    applyOptions({o->chkli, o->chkri});
+    QVERIFY(!theOptions().index.bllr);
+
+    test::typeWorkedSample(m);
+    test::click(m->cmdread);
+    test::click(m->cmdcalc);
+    // Calculate published everything, Larson-Skold included (chloride and
+    // sulphate are not read without it, so the index is 0)
+    QCOMPARE(theEngine().sw.lr(0), 0.0);
+    QCOMPARE(resultBox("txtlr")->text(), "0.000E0");
+    QVERIFY(!frmresult::instance()->isVisible());
+
+    test::click(m->cmdshow);
+    frmresult* r = frmresult::instance();
+    QVERIFY(r->isVisible());
+    QVERIFY(resultBox("txtlr")->text().isEmpty());
+    QVERIFY(!resultBox("txtlr")->isEnabled());
+    QVERIFY(!test::control<QWidget>(r, "lbllr")->isEnabled());
+    QVERIFY(!test::interpretationButton(Index::LarsonSkold)->isEnabled());
+    QCOMPARE(resultBox("txtlan")->text(), "0.2406");
+
+    // a valid edit, Read Data and Calculate again: the display comes back
+    test::retype(m->txtph, QStringLiteral("7.5"));
+    test::click(m->cmdread);
+    test::click(m->cmdcalc);
+    QCOMPARE(m->statusText(), QStringLiteral("End of analysis "));
+    QCOMPARE(resultBox("txtlr")->text(), "0.000E0");
+    QVERIFY(resultBox("txtlr")->isEnabled());
+    QVERIFY(test::interpretationButton(Index::LarsonSkold)->isEnabled());
 }
 
 VELMORA_GUI_TEST_MAIN(TestSession)
