@@ -37,6 +37,8 @@ constexpr Column kColumns[] = {
 constexpr std::size_t kAnalysisColumns = std::size(kColumns);
 constexpr std::size_t kSampleColumn = kAnalysisColumns; // index of "sample" in Calculator::column_
 constexpr std::size_t kPhColumn = 3;
+// Fields of the header the reader keeps: one more than there are names.
+constexpr std::size_t kHeaderFields = kAnalysisColumns + 2;
 
 // Every per-point array of the engine, so that a sample can start from the
 // state of a freshly started program without clearing all 141 elements.
@@ -131,49 +133,76 @@ Options (--opt value and --opt=value both work):
   --sweep START,INCREMENT,STEPS
                       a pH sweep after the measured point: START 1 to 14,
                       INCREMENT 0.1 to 2 (or 0 or less), STEPS 1 to 140, and
-                      no sweep point above pH 14
-  -h, --help          show this text
+                      no sweep point above pH 14; a rejected sweep is a usage
+                      error with the Options dialog's message
+  -h, --help          show this text and nothing else, whatever else the
+                      command line holds
+An unknown option or a missing value is a usage error, an empty FILE name a
+file error.
 
 Input: a header row, then one sample per row. Columns (any order, names
 trimmed and case-insensitive): tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe,
 al, hco3, co3, no2, no3, f, cl, so4 (mg/L; alkalinity as CaCO3; t in degrees
 Celsius; ec in mS/m) and an optional sample identifier, copied to the output.
-A missing column is an empty box. Cells are read as typed into the program's
-boxes. RFC 4180 quoting; CRLF or LF line ends; a UTF-8 byte-order mark is
-ignored; blank lines are skipped.
+A missing column is an empty box; an unknown or repeated column is a usage
+error naming it. RFC 4180 quoting; CRLF or LF line ends; a UTF-8 byte-order
+mark is ignored; blank lines and lines of only blanks and tabs are skipped.
+A row with the wrong number of fields, text after a closing quote or a quote
+left open becomes a message row saying so; in the header these are usage
+errors.
 
 Each row is computed as if typed into a freshly started program with these
-options applied: every cell is checked as its box checks it, then Read Data,
-then Calculate.
+options applied:
+  1. Every cell is checked as its box checks its text, the whole cell as if
+     pasted (an empty cell is an empty box). A cell that is not a number
+     ("1e400" is not one) is rejected with "You must enter a number!", a pH
+     of 0 or less or above 14 with "pH must be a positive number up to 14 .".
+     Of several bad cells, the first in the column order above (tds, ec, t,
+     ph, ...) reports, wherever the columns stand in the file.
+  2. Read Data, with its own messages for missing values, the conversion,
+     the activity and the ion balance. An unacceptable analysis stops here.
+  3. Calculate, with its own message when the pH cell is empty and no sweep
+     is given.
 
 Output columns:
   sample,point,ph,li,ri,por,ai,dfi,lr,me,sl,phs,ch,oh,a0,a1,a2,h2co3,hco3,co3,
   ionic,lanm,land,lant,ct,sumca,suman,diff,message
-One row per computed point: point 0 is the measured point, 1 to STEPS the
-sweep points. sumca, suman and diff are filled with the Lewis and Randall
-equation. A message the program would show (a rejected cell, a missing value,
-"water analysis is unacceptable", a run-time error) is a row of its own with
-the text in message; for a run-time error, point says where it happened (0:
-the measured point, k: sweep point k; empty: while reading the analysis).
+One row per computed point, in input order: point 0 is the measured point,
+1 to STEPS the sweep points. Numbers are written as the shortest text that
+reads back to exactly the same value. sumca, suman and diff are filled when
+the Lewis and Randall equation ran the ion balance; message is empty.
+A message the program would show is a row of its own with the numbers empty
+and the text in message: a rejected cell, a Read Data message, "water
+analysis is unacceptable" (this row keeps sumca, suman and diff, to show
+why), Calculate's message, a run-time error or a malformed row. For a
+run-time error point says where it happened: 0 for the measured point, k for
+sweep point k (the points before it are written, the sample ends there),
+empty while reading the analysis.
+Lines end in LF; a field is quoted only when it holds a comma, a quote or a
+line end.
 
 Exit status: 0 when no message row was written, 1 when one was, 2 for a
-usage or file error.
+usage or file error (the reason is written to standard error).
 )";
 }
 
 Options parseCommandLine(const std::vector<std::string>& args) {
     Options o;
+    // The first mistake is reported at the end, unless help was asked for:
+    // then the command line is only read for it.
+    std::string error;
+    auto fail = [&error](std::string message) {
+        if (error.empty()) error = std::move(message);
+    };
+    auto isHelp = [](const std::string& arg) { return arg == "--help" || arg == "-h"; };
     bool haveFile = false;
     bool onlyFiles = false;
     for (std::size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
-        auto positional = [&](const std::string& file) {
-            if (haveFile) throw UsageError("more than one input file: \"" + file + "\"");
-            haveFile = true;
-            o.input = file;
-        };
         if (onlyFiles || arg == "-" || arg.empty() || arg[0] != '-') {
-            positional(arg);
+            if (haveFile) fail("more than one input file: \"" + arg + "\"");
+            haveFile = true;
+            o.input = arg;
             continue;
         }
         if (arg == "--") {
@@ -198,29 +227,38 @@ Options parseCommandLine(const std::vector<std::string>& args) {
                 hasValue = true;
             }
         } else {
-            throw UsageError("unknown option \"" + arg + "\"");
+            fail("unknown option \"" + arg + "\"");
+            continue;
         }
 
-        auto needValue = [&]() -> const std::string& {
-            if (!hasValue) {
-                if (i + 1 >= args.size()) throw UsageError("option \"" + arg + "\" needs a value");
-                value = args[++i];
-                hasValue = true;
+        // the option's value, from "--opt=value" or the next argument (never
+        // a request for help); false when there is none
+        auto takeValue = [&]() {
+            if (hasValue) return true;
+            if (i + 1 >= args.size() || isHelp(args[i + 1])) {
+                fail("option \"" + arg + "\" needs a value");
+                return false;
             }
-            return value;
+            value = args[++i];
+            hasValue = true;
+            return true;
         };
         auto noValue = [&]() {
-            if (hasValue) throw UsageError("option \"--" + name + "\" takes no value");
+            if (hasValue) fail("option \"--" + name + "\" takes no value");
         };
 
         if (name == "help") {
             noValue();
             o.help = true;
         } else if (name == "output") {
-            o.output = needValue();
-            if (o.output.empty()) throw UsageError("option \"" + arg + "\" needs a file name");
+            if (!takeValue()) continue;
+            if (value.empty())
+                fail("option \"" + arg + "\" needs a file name");
+            else
+                o.output = value;
         } else if (name == "ionic") {
-            const std::string v = lower(needValue());
+            if (!takeValue()) continue;
+            const std::string v = lower(value);
             if (v == "langelier")
                 o.ionic = Options::Ionic::Langelier;
             else if (v == "russell")
@@ -228,10 +266,10 @@ Options parseCommandLine(const std::vector<std::string>& args) {
             else if (v == "lewis")
                 o.ionic = Options::Ionic::Lewis;
             else
-                throw UsageError("--ionic: unknown equation \"" + value +
-                                 "\" (langelier, russell or lewis)");
+                fail("--ionic: unknown equation \"" + value + "\" (langelier, russell or lewis)");
         } else if (name == "activity") {
-            const std::string v = lower(needValue());
+            if (!takeValue()) continue;
+            const std::string v = lower(value);
             if (v == "none")
                 o.activity = Options::Activity::None;
             else if (v == "limiting")
@@ -243,25 +281,29 @@ Options parseCommandLine(const std::vector<std::string>& args) {
             else if (v == "davies")
                 o.activity = Options::Activity::Davies;
             else
-                throw UsageError("--activity: unknown equation \"" + value +
-                                 "\" (none, limiting, extended, guntelberg or davies)");
+                fail("--activity: unknown equation \"" + value +
+                     "\" (none, limiting, extended, guntelberg or davies)");
         } else if (name == "larson-skold") {
             noValue();
             o.larsonSkold = true;
         } else if (name == "sweep") {
-            const std::string& v = needValue();
-            const auto c1 = v.find(',');
-            const auto c2 = c1 == std::string::npos ? c1 : v.find(',', c1 + 1);
-            if (c2 == std::string::npos || v.find(',', c2 + 1) != std::string::npos)
-                throw UsageError("--sweep needs START,INCREMENT,STEPS, got \"" + v + "\"");
+            if (!takeValue()) continue;
+            const auto c1 = value.find(',');
+            const auto c2 = c1 == std::string::npos ? c1 : value.find(',', c1 + 1);
+            if (c2 == std::string::npos || value.find(',', c2 + 1) != std::string::npos) {
+                fail("--sweep needs START,INCREMENT,STEPS, got \"" + value + "\"");
+                continue;
+            }
             o.sweep = true;
-            o.sweepStart = v.substr(0, c1);
-            o.sweepIncrement = v.substr(c1 + 1, c2 - c1 - 1);
-            o.sweepSteps = v.substr(c2 + 1);
+            o.sweepStart = value.substr(0, c1);
+            o.sweepIncrement = value.substr(c1 + 1, c2 - c1 - 1);
+            o.sweepSteps = value.substr(c2 + 1);
         } else {
-            throw UsageError("unknown option \"" + arg + "\"");
+            fail("unknown option \"" + arg + "\"");
         }
     }
+    if (o.help) return o;
+    if (!error.empty()) throw UsageError(error);
     if (o.sweep) {
         OptionState state;
         double phstart = 0;
@@ -344,15 +386,45 @@ bool CsvReader::fill() {
     return end_ > 0;
 }
 
-void CsvReader::endField() {
-    ends_.push_back(text_.size());
+bool CsvReader::next() {
+    for (;;) {
+        if (!readRecord()) return false;
+        if (!blankOnly()) return true;
+    }
 }
 
-bool CsvReader::next() {
+// A field with no room left in ends_: more room up to the limit, past it
+// only counted.
+void CsvReader::moreFields() {
+    if (ends_.size() < limit_) {
+        const std::size_t kept = keptFieldCount();
+        ends_.resize(std::min(limit_, std::max<std::size_t>(16, 2 * ends_.size())));
+        endsAt_ = ends_.data() + kept;
+        endsRoom_ = ends_.data() + ends_.size();
+        *endsAt_++ = text_.size();
+    } else {
+        ++dropped_;
+    }
+}
+
+// A line of blanks and tabs alone, which reads as one unquoted field.
+bool CsvReader::blankOnly() const {
+    if (fieldCount() != 1 || quoted_) return false;
+    for (char c : text_)
+        if (c != ' ' && c != '\t') return false;
+    return true;
+}
+
+bool CsvReader::readRecord() {
     text_.clear();
-    ends_.clear();
+    if (ends_.size() > limit_) ends_.resize(limit_);
+    endsAt_ = ends_.data();
+    endsRoom_ = ends_.data() + ends_.size();
+    dropped_ = 0;
+    malformedField_ = 0;
     tooLong_ = false;
     unterminated_ = false;
+    quoted_ = false;
 
     if (!started_) {
         started_ = true;
@@ -404,6 +476,7 @@ bool CsvReader::next() {
         if (state == State::Unquoted || state == State::FieldStart) {
             if (state == State::FieldStart && buf_[pos_] == '"') {
                 ++pos_;
+                quoted_ = true;
                 state = State::Quoted;
                 continue;
             }
@@ -440,7 +513,10 @@ bool CsvReader::next() {
                 append(&c, 1);
                 state = State::Quoted;
             } else {
-                --pos_; // the field goes on unquoted up to its end
+                // the field ends here, or text follows its closing quote
+                if (c != ',' && c != '\n' && c != '\r' && malformedField_ == 0)
+                    malformedField_ = fieldCount() + 1;
+                --pos_;
                 state = State::Unquoted;
             }
         }
@@ -465,9 +541,17 @@ Calculator::Calculator(const Options& options) : options_(options) {
 
 void Calculator::setHeader(const CsvReader& header) {
     if (header.tooLong()) throw UsageError("the header row is too long");
+    if (header.unterminated())
+        throw UsageError("the header row has a quoted field that is not closed");
+    if (header.malformed())
+        throw UsageError("the header row is malformed: field " +
+                         std::to_string(header.malformedField()) +
+                         " has text after its closing quote");
     column_.assign(kAnalysisColumns + 1, -1);
     fieldCount_ = header.fieldCount();
-    for (std::size_t i = 0; i < fieldCount_; ++i) {
+    // The reader keeps kHeaderFields of the header's fields: with more fields
+    // than there are names, an unknown or repeated one is among those.
+    for (std::size_t i = 0; i < header.keptFieldCount(); ++i) {
         const std::string_view raw = trim(header.field(i));
         const std::string name = lower(raw);
         std::size_t c = 0;
@@ -479,6 +563,8 @@ void Calculator::setHeader(const CsvReader& header) {
             throw UsageError("column \"" + std::string(raw) + "\" appears twice in the header");
         column_[c] = static_cast<int>(i);
     }
+    if (header.keptFieldCount() < fieldCount_)
+        throw UsageError("the header row has more columns than there are names");
 }
 
 void Calculator::freshProgram() {
@@ -554,34 +640,40 @@ void Calculator::messageRow(std::string_view sample, const std::string& point,
     out.append('\n');
 }
 
+// A record that cannot be read as a sample: its message row. Kept out of
+// processRecord, whose every-row path stays small enough to be inlined well.
+void Calculator::badRecordRow(const CsvReader& record, std::string_view sample,
+                              OutputBuffer& out) const {
+    std::string text = "line " + std::to_string(record.line()) + ": ";
+    if (record.tooLong())
+        text += "the row is longer than " + std::to_string(CsvReader::kMaxRecord) + " characters";
+    else if (record.unterminated())
+        text += "a quoted field is not closed";
+    else if (record.malformed())
+        text += "the row is malformed: field " + std::to_string(record.malformedField()) +
+                " has text after its closing quote";
+    else
+        text += std::to_string(record.fieldCount()) + " fields where the header has " +
+                std::to_string(fieldCount_);
+    messageRow(sample, "", text, false, out);
+}
+
 bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
     const int sampleField = column_[kSampleColumn];
     const std::string_view sample =
-        sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.fieldCount()
+        sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.keptFieldCount()
             ? record.field(static_cast<std::size_t>(sampleField))
             : std::string_view();
-    auto line = [&record] { return "line " + std::to_string(record.line()); };
 
-    if (record.tooLong()) {
-        messageRow(sample, "",
-                   line() + ": the row is longer than " + std::to_string(CsvReader::kMaxRecord) +
-                       " characters",
-                   false, out);
-        return true;
-    }
-    if (record.unterminated()) {
-        messageRow(sample, "", line() + ": a quoted field is not closed", false, out);
-        return true;
-    }
-    if (record.fieldCount() != fieldCount_) {
-        messageRow(sample, "",
-                   line() + ": " + std::to_string(record.fieldCount()) +
-                       " fields where the header has " + std::to_string(fieldCount_),
-                   false, out);
+    if (record.tooLong() || record.unterminated() || record.malformed() ||
+        record.fieldCount() != fieldCount_) {
+        badRecordRow(record, sample, out);
         return true;
     }
 
-    // the boxes, each as typed, each checked as its box checks it
+    // the boxes, each as typed, each checked as its box checks it (the copies
+    // unrolled: each box's member is then known where it is written)
+#pragma GCC unroll 20
     for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
         std::string& box = texts_.*kColumns[c].box;
         if (column_[c] >= 0) {
@@ -592,7 +684,7 @@ bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
     }
     for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
         if (auto m = checkBoxText(texts_.*kColumns[c].box, c == kPhColumn)) {
-            messageRow(sample, "", std::string(kColumns[c].name) + ": " + *m, false, out);
+            messageRow(sample, "", *m, false, out);
             return true;
         }
     }
@@ -654,8 +746,11 @@ bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
 int runBatch(const Options& options, ByteSource& in, ByteSink& sink) {
     Calculator calc(options);
     CsvReader reader(in);
+    reader.keepFields(kHeaderFields);
     if (!reader.next()) throw UsageError("the input has no header row");
     calc.setHeader(reader);
+    // a row with more fields than the header is only counted past them
+    reader.keepFields(reader.fieldCount());
 
     constexpr std::size_t kFlushAt = 1 << 16;
     OutputBuffer out;
@@ -714,7 +809,8 @@ int commandMain(const std::vector<std::string>& args) {
 
         std::string inputName = "standard input";
         input.fd = 0;
-        if (!o.input.empty() && o.input != "-") {
+        if (o.input.empty()) throw UsageError("cannot open the input file: its name is empty");
+        if (o.input != "-") {
             inputName = o.input;
             input.fd = ::open(o.input.c_str(), O_RDONLY | O_CLOEXEC);
             if (input.fd < 0)

@@ -32,13 +32,15 @@ struct Options {
     bool larsonSkold = false;
     bool sweep = false;
     std::string sweepStart, sweepIncrement, sweepSteps; // the three box texts
-    std::string input;                                  // empty or "-": standard input
+    std::string input = "-";                            // "-": standard input
     std::string output;                                 // empty: standard output
     bool help = false;
 };
 
 // The command line without the program name. Checks the sweep as the Options
-// dialog checks its boxes and its Apply; throws UsageError with the message.
+// dialog checks its boxes and its Apply; throws UsageError with the message
+// of the first mistake. With --help (or -h) anywhere before "--" nothing else
+// is checked: the result only asks for the help text.
 Options parseCommandLine(const std::vector<std::string>& args);
 
 // The text of --help.
@@ -111,17 +113,27 @@ public:
 // ---------------------------------------------------------------------------
 // RFC 4180 reading, one record at a time: quoted fields with doubled quotes,
 // commas and line ends inside; CRLF, LF or CR line ends; a UTF-8 byte-order
-// mark at the start is dropped; empty lines are skipped. Text after a closing
-// quote is kept as it stands.
+// mark at the start is dropped; empty lines and lines of nothing but blanks
+// and tabs are skipped. Text after a closing quote makes the record
+// malformed (it is still read up to its end, so the next record starts where
+// it should).
 class CsvReader {
 public:
     static constexpr std::size_t kMaxRecord = 1 << 20; // bytes of field text per record
 
     explicit CsvReader(ByteSource& source) : source_(source) {}
+    CsvReader(const CsvReader&) = delete;
+    CsvReader& operator=(const CsvReader&) = delete;
 
     // The next record, or false at the end. `line` is the line it starts on.
     bool next();
-    std::size_t fieldCount() const { return ends_.size(); }
+    // From the next record on, every field is counted but only the first
+    // `limit` are kept, so that a record of millions of empty fields takes no
+    // memory.
+    void keepFields(std::size_t limit) { limit_ = limit; }
+    std::size_t fieldCount() const { return keptFieldCount() + dropped_; }
+    std::size_t keptFieldCount() const { return static_cast<std::size_t>(endsAt_ - ends_.data()); }
+    // Field i of the kept ones.
     std::string_view field(std::size_t i) const {
         const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
         return std::string_view(text_).substr(begin, ends_[i] - begin);
@@ -131,19 +143,37 @@ public:
     bool tooLong() const { return tooLong_; }
     // The input ended inside a quoted field of the record.
     bool unterminated() const { return unterminated_; }
+    // Text follows the closing quote of a field; malformedField() is its
+    // number, counted from 1.
+    bool malformed() const { return malformedField_ != 0; }
+    std::size_t malformedField() const { return malformedField_; }
 
 private:
     bool fill();
-    void endField();
+    bool readRecord();
+    bool blankOnly() const;
+    void endField() {
+        // one test, as a push_back would make
+        if (endsAt_ != endsRoom_)
+            *endsAt_++ = text_.size();
+        else
+            moreFields();
+    }
+    void moreFields();
 
     ByteSource& source_;
     std::vector<char> buf_ = std::vector<char>(1 << 16);
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false, started_ = false, skipLf_ = false;
     long nextLine_ = 1, line_ = 0;
-    std::string text_;              // field text of the record, fields back to back
-    std::vector<std::size_t> ends_; // end of each field in text_
-    bool tooLong_ = false, unterminated_ = false;
+    std::string text_;                // field text of the record, fields back to back
+    std::vector<std::size_t> ends_;   // room for the kept fields, never more than limit_
+    std::size_t* endsAt_ = nullptr;   // past the end of the last kept field in ends_
+    std::size_t* endsRoom_ = nullptr; // the end of ends_
+    std::size_t dropped_ = 0;         // fields past the limit, counted only
+    std::size_t limit_ = static_cast<std::size_t>(-1);
+    std::size_t malformedField_ = 0;
+    bool tooLong_ = false, unterminated_ = false, quoted_ = false;
 };
 
 // ---------------------------------------------------------------------------
@@ -196,7 +226,8 @@ public:
     explicit Calculator(const Options& options);
 
     // Maps the header's columns; throws UsageError naming an unknown or
-    // repeated column.
+    // repeated column, and for a header row that is too long, leaves a quote
+    // open or has text after a closing quote.
     void setHeader(const CsvReader& header);
 
     // Computes one record and appends its output rows to `out`. Returns true
@@ -216,6 +247,8 @@ private:
     };
 
     void freshProgram();
+    [[gnu::cold, gnu::noinline]] void badRecordRow(const CsvReader& record, std::string_view sample,
+                                                   OutputBuffer& out) const;
     void pointRow(std::string_view sample, int point, OutputBuffer& out) const;
     void messageRow(std::string_view sample, const std::string& point, std::string_view text,
                     bool balance, OutputBuffer& out) const;

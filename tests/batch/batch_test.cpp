@@ -9,8 +9,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <fstream>
 #include <sstream>
@@ -102,6 +104,8 @@ const std::string kHeader = "sample,t,ph,alk,ca,tds,mg,cl,so4\n";
 const std::string kWorked = "worked,25,7.5,200,80,400,24,50,60\n";
 
 const char* kTdsMessage = "you Should enter TDS,T,pH,Ca and Alk values at least !";
+const char* kNumberMessage = "You must enter a number!";
+const char* kPhMessage = "pH must be a positive number up to 14 .";
 
 // ---------------------------------------------------------------------------
 // Reading CSV
@@ -131,6 +135,12 @@ TEST(CsvReading, RecordsAndFields) {
         {"quote_inside_unquoted", "ab\"c,d\n", {{"ab\"c", "d"}}},
         {"text_after_closing_quote", "\"ab\"cd,e\n", {{"abcd", "e"}}},
         {"blanks_kept", " 7.5 , x\n", {{" 7.5 ", " x"}}},
+        {"blank_only_lines_skipped", "a,b\n   \n\t \t\r\n1,2\n \n", {{"a", "b"}, {"1", "2"}}},
+        {"blank_only_lines_skipped_with_one_column", "a\n  \n1\n\t\n2", {{"a"}, {"1"}, {"2"}}},
+        {"blank_only_last_line_without_line_end", "a\n1\n  ", {{"a"}, {"1"}}},
+        {"blank_only_first_line", " \na\n", {{"a"}}},
+        {"quoted_blanks_kept", "a\n\"  \"\n", {{"a"}, {"  "}}},
+        {"blank_fields_kept", "a,b\n , \n", {{"a", "b"}, {" ", " "}}},
         {"bom_only_at_start",
          "a\n\xEF\xBB\xBF"
          "b\n",
@@ -158,6 +168,68 @@ TEST(CsvReading, LineNumbersAndUnterminatedQuote) {
     }
     EXPECT_EQ(lines, (std::vector<long>{1, 3, 5, 6}));
     EXPECT_TRUE(unterminated);
+}
+
+TEST(CsvReading, LineNumbersCountSkippedBlankOnlyLines) {
+    StringSource source("h\n  \n\t\nx\n \r\ny\n");
+    CsvReader reader(source);
+    std::vector<long> lines;
+    while (reader.next())
+        lines.push_back(reader.line());
+    EXPECT_EQ(lines, (std::vector<long>{1, 4, 6}));
+}
+
+TEST(CsvReading, TextAfterAClosingQuoteMakesTheRecordMalformed) {
+    struct Case {
+        const char* name;
+        std::string text;
+        std::vector<std::size_t> malformedField; // per record, 0: well formed
+    };
+    const std::vector<Case> cases = {
+        {"closing_quote_then_text", "\"7\"5,x\n", {1}},
+        {"in_a_later_field", "a,b,\"c\"d\nok,\"fine\",\"\"\"q\"\"\"\n", {3, 0}},
+        {"blank_after_closing_quote", "\"a\" ,b\n", {1}},
+        {"first_of_two_reported", "\"a\"x,\"b\"y\n", {1}},
+        {"closing_quote_then_line_ends", "\"a\"\r\n\"b\"\n\"c\"", {0, 0, 0}},
+        {"next_record_starts_where_it_should", "\"a\"b,c\nd,e\n", {1, 0}},
+    };
+    for (const auto& c : cases) {
+        for (std::size_t piece : {std::size_t{1}, std::size_t{3}, std::size_t{1} << 16}) {
+            SCOPED_TRACE(std::string(c.name) + " in pieces of " + std::to_string(piece));
+            StringSource source(c.text, piece);
+            CsvReader reader(source);
+            std::vector<std::size_t> found;
+            while (reader.next()) {
+                found.push_back(reader.malformedField());
+                EXPECT_EQ(reader.malformed(), reader.malformedField() != 0);
+            }
+            EXPECT_EQ(found, c.malformedField);
+        }
+    }
+}
+
+TEST(CsvReading, FieldsPastTheLimitAreCountedNotKept) {
+    const std::size_t commas = 3'000'000;
+    std::string text = "a,b,c\n" + std::string(commas, ',') + "\nx,\"y\",z\n1,2\n";
+    StringSource source(text);
+    CsvReader reader(source);
+    reader.keepFields(3);
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.fieldCount(), 3u);
+    EXPECT_EQ(reader.keptFieldCount(), 3u);
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.fieldCount(), commas + 1);
+    EXPECT_EQ(reader.keptFieldCount(), 3u);
+    EXPECT_EQ(reader.field(2), "");
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.fieldCount(), 3u);
+    EXPECT_EQ(reader.field(0), "x");
+    EXPECT_EQ(reader.field(1), "y");
+    EXPECT_EQ(reader.field(2), "z");
+    ASSERT_TRUE(reader.next());
+    EXPECT_EQ(reader.fieldCount(), 2u);
+    EXPECT_EQ(reader.keptFieldCount(), 2u);
+    EXPECT_FALSE(reader.next());
 }
 
 TEST(CsvReading, LongRecordIsCutAndFlagged) {
@@ -193,6 +265,16 @@ TEST(BatchHeader, ColumnNames) {
         {"empty_name", "t,,ph\n", "unknown column \"\""},
         {"repeated", "ca,t,CA \n", "column \"CA\" appears twice"},
         {"repeated_sample", "sample,ph,sample\n", "column \"sample\" appears twice"},
+        {"after_blank_only_lines", " \t\n  \nt,ph\n", nullptr},
+        {"quote_not_closed", "t,\"ph\n", "the header row has a quoted field that is not closed"},
+        {"quote_not_closed_rows_after", "t,\"ph,ca\n1,2,3\n",
+         "the header row has a quoted field that is not closed"},
+        {"text_after_closing_quote", "t,\"ph\"x\n",
+         "the header row is malformed: field 2 has text after its closing quote"},
+        {"millions_of_fields", "t,ph" + std::string(2'000'000, ',') + "\n", "unknown column \"\""},
+        {"more_fields_than_names",
+         "tds,ec,t,ph,alk,ca,mg,k,na,zn,mn,fe,al,hco3,co3,no2,no3,f,cl,so4,sample,ph\n",
+         "column \"ph\" appears twice"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -317,38 +399,9 @@ struct MessageCase {
 TEST(BatchRows, MessageRows) {
     const std::string russellHeader = "sample,t,ph,alk,ca,ec\n";
     const std::vector<MessageCase> cases = {
-        {"bad_cell", {}, kHeader + "s,25,7.5,200,x,400,,,\n", "ca: You must enter a number!", ""},
-        {"ph_out_of_range",
-         {},
-         kHeader + "s,25,14.5,200,80,400,,,\n",
-         "ph: pH must be a positive number up to 14 .",
-         ""},
-        {"ph_zero",
-         {},
-         kHeader + "s,25,0,200,80,400,,,\n",
-         "ph: pH must be a positive number up to 14 .",
-         ""},
-        {"out_of_range_number",
-         {},
-         kHeader + "s,25,7.5,1e400,80,400,,,\n",
-         "alk: You must enter a number!",
-         ""},
-        {"lone_point",
-         {},
-         kHeader + "s,25,7.5,200,80,400,.,,\n",
-         "mg: You must enter a number!",
-         ""},
-        // the first bad cell in the order tds, ec, t, ph, alk, ca, mg, ... reports
-        {"first_bad_cell_in_column_order",
-         {},
-         kHeader + "s,25,20,200,x,abc,,,\n",
-         "tds: You must enter a number!",
-         ""},
-        {"ph_before_calcium",
-         {},
-         kHeader + "s,25,20,200,x,400,,,\n",
-         "ph: pH must be a positive number up to 14 .",
-         ""},
+        {"bad_cell", {}, kHeader + "s,25,7.5,200,x,400,,,\n", kNumberMessage, ""},
+        {"ph_out_of_range", {}, kHeader + "s,25,14.5,200,80,400,,,\n", kPhMessage, ""},
+        {"out_of_range_number", {}, kHeader + "s,25,7.5,1e400,80,400,,,\n", kNumberMessage, ""},
         {"temperature_missing", {}, kHeader + "s,,7.5,200,80,400,,,\n", kTdsMessage, ""},
         {"alkalinity_missing_langelier", {}, kHeader + "s,25,7.5,,80,400,,,\n", kTdsMessage, ""},
         {"alkalinity_missing_russell",
@@ -397,6 +450,11 @@ TEST(BatchRows, MessageRows) {
          kHeader + "\"s,25,7.5,200,80,400,,,\n",
          "line 2: a quoted field is not closed",
          ""},
+        {"text_after_closing_quote",
+         {},
+         kHeader + "s,25,\"7\"5,200,80,400,,,\n",
+         "line 2: the row is malformed: field 3 has text after its closing quote",
+         ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -410,6 +468,154 @@ TEST(BatchRows, MessageRows) {
         EXPECT_TRUE(numbersEmpty(row));
         EXPECT_EQ(row[kSumca], "");
     }
+}
+
+// A rejected cell's row carries its box's message and nothing else.
+TEST(BatchRows, ARejectedCellShowsItsBoxMessageAlone) {
+    struct Case {
+        const char* name;
+        std::string row;     // under kHeader: sample,t,ph,alk,ca,tds,mg,cl,so4
+        const char* message; // nullptr: the row is computed
+    };
+    const std::vector<Case> cases = {
+        {"ph_14_accepted", "s,25,14,200,80,400,,,\n", nullptr},
+        {"ph_minus_1", "s,25,-1,200,80,400,,,\n", kPhMessage},
+        {"ph_0", "s,25,0,200,80,400,,,\n", kPhMessage},
+        {"ph_14_01", "s,25,14.01,200,80,400,,,\n", kPhMessage},
+        {"calcium_text", "s,25,7.5,200,x,400,,,\n", kNumberMessage},
+        {"alkalinity_beyond_a_double", "s,25,7.5,1e400,80,400,,,\n", kNumberMessage},
+        {"magnesium_lone_point", "s,25,7.5,200,80,400,.,,\n", kNumberMessage},
+        // the first bad cell in the order tds, ec, t, ph, alk, ca, ... reports,
+        // wherever the columns stand in the file
+        {"tds_before_ph", "s,25,20,200,80,abc,,,\n", kNumberMessage},
+        {"temperature_before_ph", "s,x,20,200,80,400,,,\n", kNumberMessage},
+        {"ph_before_calcium", "s,25,20,200,x,400,,,\n", kPhMessage},
+        {"ph_before_chloride", "s,25,-1,200,80,400,,zz,\n", kPhMessage},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Result r = calc(kHeader + c.row);
+        ASSERT_EQ(r.rows.size(), 1u) << r.text;
+        const auto& row = r.rows[0];
+        ASSERT_EQ(row.size(), static_cast<std::size_t>(kColumns));
+        EXPECT_EQ(row[kSample], "s");
+        if (c.message) {
+            EXPECT_EQ(r.status, 1);
+            EXPECT_EQ(row[kMessage], c.message);
+            EXPECT_EQ(row[kPoint], "");
+            EXPECT_TRUE(numbersEmpty(row));
+        } else {
+            EXPECT_EQ(r.status, 0);
+            EXPECT_EQ(row[kMessage], "");
+            EXPECT_EQ(row[kPoint], "0");
+            EXPECT_EQ(num(row[kPh]), 14);
+        }
+    }
+}
+
+TEST(BatchRows, MillionsOfFieldsAreAWrongFieldCount) {
+    const std::size_t commas = 2'000'000;
+    const Result r = calc(kHeader + "s" + std::string(commas, ',') + "\n" + kWorked);
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_EQ(r.rows[0][kSample], "s");
+    EXPECT_EQ(r.rows[0][kMessage],
+              "line 2: " + std::to_string(commas + 1) + " fields where the header has 9");
+    EXPECT_TRUE(numbersEmpty(r.rows[0]));
+    EXPECT_EQ(r.rows[1][kSample], "worked");
+    EXPECT_EQ(r.rows[1][kPoint], "0");
+    EXPECT_EQ(r.rows[1][kMessage], "");
+}
+
+TEST(BatchRows, AMalformedRowDoesNotStopTheNext) {
+    const Result r = calc(kHeader + "bad,25,\"7\"5,200,80,400,,,\n" + kWorked);
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 2u);
+    EXPECT_EQ(r.rows[0][kSample], "bad");
+    EXPECT_EQ(r.rows[0][kMessage],
+              "line 2: the row is malformed: field 3 has text after its closing quote");
+    EXPECT_TRUE(numbersEmpty(r.rows[0]));
+    EXPECT_EQ(r.rows[1], calc(kHeader + kWorked).rows.at(0));
+}
+
+// A spreadsheet's export: a byte-order mark, CRLF line ends, blank lines and
+// lines of blanks, read as the plain file is.
+TEST(BatchRows, ByteOrderMarkCrlfAndBlankLines) {
+    const std::string second = "second,20,8.1,150,60,300,10,40,30\n";
+    const Result plain = calc(kHeader + kWorked + second);
+    const std::string exported = "\xEF\xBB\xBF"
+                                 "sample,t,ph,alk,ca,tds,mg,cl,so4\r\n"
+                                 "\r\n"
+                                 "worked,25,7.5,200,80,400,24,50,60\r\n"
+                                 "  \t \r\n"
+                                 "\r\n"
+                                 "second,20,8.1,150,60,300,10,40,30\r\n"
+                                 "\r\n"
+                                 "   ";
+    for (std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{1} << 16}) {
+        SCOPED_TRACE("pieces of " + std::to_string(piece));
+        const Result r = calc(exported, {}, piece);
+        EXPECT_EQ(r.status, 0);
+        EXPECT_EQ(r.text, plain.text);
+    }
+    ASSERT_EQ(plain.rows.size(), 2u);
+    EXPECT_EQ(plain.rows[0][kSample], "worked");
+    EXPECT_EQ(plain.rows[1][kSample], "second");
+    EXPECT_EQ(num(plain.rows[1][kPh]), 8.1);
+    // the output has LF line ends only
+    EXPECT_EQ(plain.text.find('\r'), std::string::npos);
+}
+
+TEST(BatchRows, RussellRowComputes) {
+    const Result r = calc("sample,t,ph,alk,ca,ec\nr,25,7.5,200,80,60\n", {"--ionic", "russell"});
+    EXPECT_EQ(r.status, 0) << r.text;
+    ASSERT_EQ(r.rows.size(), 1u);
+    const auto& row = r.rows[0];
+    EXPECT_EQ(row[kPoint], "0");
+    EXPECT_EQ(row[kMessage], "");
+    EXPECT_EQ(num(row[kPh]), 7.5);
+    // Russell: I = 1.6e-5 x conductivity in µS/cm (60 mS/m x 100)
+    EXPECT_DOUBLE_EQ(num(row[kIonic]), 1.6e-5 * 6000);
+    // no ion balance without Lewis and Randall
+    EXPECT_EQ(row[kSumca], "");
+    // the same sample with Langelier has another ionic strength
+    const Result l = calc("sample,t,ph,alk,ca,tds\nr,25,7.5,200,80,400\n");
+    ASSERT_EQ(l.rows.size(), 1u);
+    EXPECT_NE(l.rows[0][kIonic], row[kIonic]);
+}
+
+TEST(BatchRows, LewisWithLarsonSkoldComputes) {
+    const std::string input = "sample,t,ph,alk,ca,mg,na,cl,so4,hco3,co3\n"
+                              "balanced,25,7,50,20.1,12.1525,22.99,35.453,48.0305,61,0\n";
+    const Result r = calc(input, {"--ionic", "lewis", "--larson-skold"});
+    EXPECT_EQ(r.status, 0) << r.text;
+    ASSERT_EQ(r.rows.size(), 1u);
+    const auto& row = r.rows[0];
+    EXPECT_EQ(row[kPoint], "0");
+    EXPECT_EQ(row[kMessage], "");
+    // 1 meq/L each of calcium, magnesium and sodium against 1 meq/L each of
+    // chloride, sulphate and bicarbonate
+    EXPECT_NEAR(num(row[kSumca]), 3, 1e-3);
+    EXPECT_NEAR(num(row[kSuman]), 3, 1e-3);
+    EXPECT_NEAR(num(row[kDiff]), 0, 0.05);
+    // Larson-Skold: (chloride + sulphate) / bicarbonate, all in meq/L, the
+    // bicarbonate of the point in mol/L
+    const double clmeq = 35.453 / 35.453;
+    const double so4meq = 48.0305 / (96.061 / 2);
+    const double hco3meq = num(row[kHco3]) * 1000;
+    EXPECT_NEAR(num(row[kLr]), (clmeq + so4meq) / hco3meq, 1e-9);
+    EXPECT_GT(num(row[kLr]), 0);
+}
+
+TEST(BatchRows, LewisWithoutAlkalinityAsksForTheBasicValues) {
+    const Result r = calc("sample,t,ph,alk,ca,na,cl\ns,25,7.5,,80,23,35\n", {"--ionic", "lewis"});
+    EXPECT_EQ(r.status, 1);
+    ASSERT_EQ(r.rows.size(), 1u);
+    // Lewis's own message, not the one with "! !" that only Russell reaches
+    EXPECT_EQ(r.rows[0][kMessage], "you Should enter T,pH,Ca and Alk values at least !");
+    EXPECT_EQ(r.rows[0][kPoint], "");
+    EXPECT_TRUE(numbersEmpty(r.rows[0]));
+    EXPECT_EQ(r.rows[0][kSumca], "");
 }
 
 TEST(BatchRows, UnacceptableAnalysisKeepsTheSums) {
@@ -604,6 +810,52 @@ TEST(BatchCommandLine, Options) {
     }
     EXPECT_TRUE(parseCommandLine({"--help"}).help);
     EXPECT_EQ(parseCommandLine({"--", "--odd-name.csv"}).input, "--odd-name.csv");
+    // standard input unless a file is named; an empty name stays empty (and
+    // cannot be opened)
+    EXPECT_EQ(parseCommandLine({}).input, "-");
+    EXPECT_EQ(parseCommandLine({""}).input, "");
+}
+
+// With --help the rest of the command line is not checked, wherever it stands.
+TEST(BatchCommandLine, HelpWinsOverMistakes) {
+    const std::vector<std::vector<std::string>> mistakes = {
+        {"--sweep", "1,2,140"},
+        {"--sweep", "x,0.5,5"},
+        {"--sweep=7,0.5"},
+        {"--fast"},
+        {"-x"},
+        {"--ionic", "debye"},
+        {"--activity=full"},
+        {"--larson-skold=yes"},
+        {"a.csv", "b.csv"},
+        {"-o", ""},
+        {"--ionic"},
+    };
+    for (const auto& mistake : mistakes) {
+        for (const char* help : {"--help", "-h"}) {
+            std::vector<std::string> before{help};
+            before.insert(before.end(), mistake.begin(), mistake.end());
+            std::vector<std::string> after = mistake;
+            after.push_back(help);
+            for (const auto& args : {before, after}) {
+                std::string shown;
+                for (const auto& a : args)
+                    shown += " [" + a + "]";
+                SCOPED_TRACE(shown);
+                EXPECT_THROW(parseCommandLine(mistake), UsageError);
+                try {
+                    EXPECT_TRUE(parseCommandLine(args).help);
+                } catch (const UsageError& e) {
+                    ADD_FAILURE() << "usage error: " << e.what();
+                }
+            }
+        }
+    }
+    // after "--" it is a file name
+    EXPECT_FALSE(parseCommandLine({"--", "--help"}).help);
+    // an option waiting for its value does not take the request for help
+    EXPECT_TRUE(parseCommandLine({"--output", "--help"}).help);
+    EXPECT_TRUE(parseCommandLine({"--sweep", "-h"}).help);
 }
 
 struct UsageCase {
@@ -620,6 +872,8 @@ TEST(BatchCommandLine, UsageErrors) {
         {"missing_value", {"--ionic"}, "option \"--ionic\" needs a value"},
         {"flag_with_value", {"--larson-skold=yes"}, "option \"--larson-skold\" takes no value"},
         {"two_files", {"a.csv", "b.csv"}, "more than one input file"},
+        {"first_of_two_mistakes", {"--fast", "--ionic", "debye"}, "unknown option \"--fast\""},
+        {"value_starting_with_a_dash", {"--ionic", "-x"}, "--ionic: unknown equation \"-x\""},
         {"sweep_two_parts", {"--sweep", "7,0.5"}, "--sweep needs START,INCREMENT,STEPS"},
         {"sweep_four_parts", {"--sweep", "7,0.5,5,1"}, "--sweep needs START,INCREMENT,STEPS"},
         // the Options dialog's messages, blanks included
@@ -660,6 +914,73 @@ TEST(BatchCommandLine, UsageErrors) {
             EXPECT_EQ(std::string(e.what()).rfind(c.message, 0), 0u) << e.what();
         }
     }
+}
+
+// Runs of blanks and line ends as one blank, so that phrases can be found
+// however the help text wraps them.
+std::string words(const std::string& text) {
+    std::string r;
+    for (char c : text) {
+        const bool blank = c == ' ' || c == '\n';
+        if (!blank)
+            r += c;
+        else if (!r.empty() && r.back() != ' ')
+            r += ' ';
+    }
+    return r;
+}
+
+// The help text tells everything a script writer relies on.
+TEST(BatchCommandLine, HelpExplainsTheRules) {
+    const std::string help = helpText();
+    const std::string said = words(help);
+    const std::vector<std::string> told = {
+        "Usage: velmora-calc [options] [FILE]",
+        "standard input when FILE is absent or \"-\"",
+        "--opt value and --opt=value both work",
+        "-o, --output FILE",
+        "a failed run leaves an existing FILE untouched",
+        "--ionic EQUATION",
+        "langelier (default), russell or lewis",
+        "--activity EQUATION",
+        "none (default",
+        "limiting, extended, guntelberg or davies",
+        "--larson-skold",
+        "--sweep START,INCREMENT,STEPS",
+        "a rejected sweep is a usage error",
+        "tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al, hco3, co3, no2, no3, f, cl, so4",
+        "optional sample identifier",
+        "an unknown or repeated column is a usage error naming it",
+        "RFC 4180 quoting; CRLF or LF line ends; a UTF-8 byte-order mark is ignored",
+        "blank lines and lines of only blanks and tabs are skipped",
+        "A row with the wrong number of fields, text after a closing quote or a quote left open "
+        "becomes a message row",
+        "(\"1e400\" is not one)",
+        "\"You must enter a number!\"",
+        "\"pH must be a positive number up to 14 .\"",
+        "the first in the column order above",
+        "Calculate, with its own message when the pH cell is empty and no sweep is given",
+        "An unacceptable analysis stops here",
+        "\"water analysis is unacceptable\" (this row keeps sumca, suman and diff",
+        "shortest text that reads back to exactly the same value",
+        "0 for the measured point, k for sweep point k",
+        "Lines end in LF; a field is quoted only when it holds a comma, a quote or a line end",
+        "Exit status: 0 when no message row was written, 1 when one was, 2 for a usage or file "
+        "error",
+        "an empty FILE name a file error",
+        "a pH of 0 or less or above 14",
+    };
+    for (const std::string& text : told)
+        EXPECT_NE(said.find(text), std::string::npos) << text;
+    // the output header, as it is written
+    const std::string header = kOutputHeader;
+    const auto split = header.find("ionic");
+    EXPECT_NE(help.find("  " + header.substr(0, split) + "\n  " + header.substr(split) + "\n"),
+              std::string::npos);
+    // fits a terminal
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LE(line.size(), 79u) << line;
 }
 
 // ---------------------------------------------------------------------------
@@ -746,6 +1067,85 @@ TEST_F(Command, HelpAndStandardInput) {
     EXPECT_EQ(run("", kHeader + kWorked), 0);
     EXPECT_EQ(out(), viaDash);
     EXPECT_NE(viaDash.find("\nworked,0,7.5,"), std::string::npos);
+}
+
+TEST_F(Command, HelpWhateverElseTheCommandLineHolds) {
+    const std::vector<std::string> commandLines = {
+        "--help --sweep 1,2,140",
+        "--sweep 1,2,140 --help",
+        "--fast -h",
+        "-h --ionic debye",
+        "--activity --help",
+        "--help '' -o ''",
+        "--help '" + path("missing.csv") + "'",
+    };
+    for (const std::string& args : commandLines) {
+        SCOPED_TRACE(args);
+        EXPECT_EQ(run(args, kHeader + kWorked), 0);
+        EXPECT_EQ(out(), helpText());
+        EXPECT_EQ(err(), "");
+    }
+    // without it the same mistakes are usage errors
+    EXPECT_EQ(run("--sweep 1,2,140", kHeader + kWorked), 2);
+    EXPECT_EQ(run("--fast", kHeader + kWorked), 2);
+    EXPECT_NE(err().find("unknown option \"--fast\""), std::string::npos);
+    EXPECT_NE(err().find("Try 'velmora-calc --help'"), std::string::npos);
+    EXPECT_EQ(out(), "");
+}
+
+TEST_F(Command, AnEmptyFileNameIsAFileError) {
+    EXPECT_EQ(run("''", kHeader + kWorked), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(err(), "velmora-calc: cannot open the input file: its name is empty\n");
+    // "-" is standard input
+    EXPECT_EQ(run("-", kHeader + kWorked), 0);
+    EXPECT_NE(out().find("\nworked,0,"), std::string::npos);
+}
+
+TEST_F(Command, AQuoteLeftOpenInTheHeaderIsAUsageError) {
+    EXPECT_EQ(run("", "sample,\"t,ph\n"), 2);
+    EXPECT_EQ(out(), "");
+    EXPECT_NE(err().find("the header row has a quoted field that is not closed"),
+              std::string::npos);
+}
+
+// Enough rows and sweep points for megabytes of output.
+std::string manySamples(int rows) {
+    std::string input = kHeader;
+    for (int i = 0; i < rows; ++i)
+        input += kWorked;
+    return input;
+}
+
+TEST_F(Command, AReaderThatGoesAwayIsAWriteError) {
+    write(path("in.csv"), manySamples(200));
+    // the status of velmora-calc itself, not of head
+    const std::string cmd = "( '" + std::string(VELMORA_CALC) + "' --sweep 7,0,140 '" +
+                            path("in.csv") + "' 2> '" + path("stderr") + "'; echo $? > '" +
+                            path("status") + "' ) | head -c 10 > '" + path("stdout") + "'";
+    ASSERT_EQ(std::system(cmd.c_str()), 0);
+    EXPECT_EQ(read(path("status")), "2\n"); // not 141: no death by SIGPIPE
+    EXPECT_EQ(out(), std::string(kOutputHeader).substr(0, 10));
+    EXPECT_EQ(err(), "velmora-calc: cannot write standard output: " +
+                         std::string(std::strerror(EPIPE)) + "\n");
+}
+
+TEST_F(Command, AFailedWriteLeavesTheOutputFileUntouched) {
+    const std::string target = path("result.csv");
+    write(target, "previous contents\n");
+    write(path("in.csv"), manySamples(20));
+    // a file-size limit of a few blocks stops the output part way
+    const std::string cmd = "( ulimit -f 4; exec '" + std::string(VELMORA_CALC) +
+                            "' --sweep 7,0,140 -o '" + target + "' '" + path("in.csv") + "' ) > '" +
+                            path("stdout") + "' 2> '" + path("stderr") + "'";
+    const int status = std::system(cmd.c_str());
+    ASSERT_TRUE(WIFEXITED(status)) << "killed by a signal";
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_EQ(err(), "velmora-calc: cannot write " + target + ": " +
+                         std::string(std::strerror(EFBIG)) + "\n");
+    EXPECT_EQ(read(target), "previous contents\n");
+    // no temporary file is left behind
+    EXPECT_EQ(files(), (std::vector<std::string>{"in.csv", "result.csv", "stderr", "stdout"}));
 }
 
 TEST_F(Command, OutputFileReplacedOnlyOnSuccess) {
