@@ -69,8 +69,8 @@ void runDemoSample(frmMain* main) {
                          options->chkdfi, options->chkai, options->chkme, options->chksl})
         c->setChecked(true);
     options->chkphsweep->setChecked(true);
-    options->txtinitialph->setText(QStringLiteral("6.5"));
-    options->txtincrementph->setText(QStringLiteral("0.5"));
+    options->txtinitialph->setText(numberToBox("6.5"));
+    options->txtincrementph->setText(numberToBox("0.5"));
     options->txtstep->setText(QStringLiteral("5"));
     options->cmdOK_Click();
 
@@ -78,7 +78,7 @@ void runDemoSample(frmMain* main) {
         {main->txtt, "25"},    {main->txtph, "7.5"}, {main->txtalk, "200"}, {main->txtca, "80"},
         {main->txttds, "400"}, {main->txtcl, "50"},  {main->txtso4, "60"}};
     for (const auto& [box, text] : sample)
-        box->setText(QLatin1String(text));
+        box->setText(numberToBox(text));
     main->cmdread->click();
     main->cmdcalc->click();
 }

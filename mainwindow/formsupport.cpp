@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPalette>
 #include <QVariant>
 #include <QWidget>
@@ -24,6 +25,44 @@ QPalette::ColorRole roleOf(const QWidget* w) {
 }
 
 } // namespace
+
+namespace {
+QChar& separatorOverride() {
+    static QChar separator;
+    return separator;
+}
+
+// The point and the locale's separator trade places.
+QString swapSeparators(QString text, QChar separator) {
+    if (separator == QLatin1Char('.')) return text;
+    for (QChar& c : text) {
+        if (c == separator)
+            c = QLatin1Char('.');
+        else if (c == QLatin1Char('.'))
+            c = separator;
+    }
+    return text;
+}
+} // namespace
+
+QChar decimalSeparator() {
+    const QChar forced = separatorOverride();
+    if (!forced.isNull()) return forced;
+    const QString point = QLocale().decimalPoint();
+    return point.size() == 1 ? point.front() : QLatin1Char('.');
+}
+
+void setDecimalSeparator(QChar separator) {
+    separatorOverride() = separator;
+}
+
+std::string numberFromBox(const QString& text) {
+    return swapSeparators(text, decimalSeparator()).toStdString();
+}
+
+QString numberToBox(const std::string& text) {
+    return swapSeparators(QString::fromStdString(text), decimalSeparator());
+}
 
 namespace {
 std::vector<QWidget*>& windowList() {

@@ -11,6 +11,7 @@
 #include <QtGlobal>
 
 #include <initializer_list>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -31,6 +32,17 @@ constexpr quint32 CalcButton = 0x00C0FFFF;
 constexpr quint32 ButtonFace = 0x8000000F;       // the system button face
 constexpr quint32 WindowBackground = 0x80000005; // the system window background
 } // namespace vb
+
+// Numbers as the user types and reads them, with the decimal separator of the
+// user's locale; the program's own number texts write a point. Under a locale
+// with a decimal comma, "7,5" is the number 7.5 and "7.5" is no number.
+QChar decimalSeparator();
+// For tests: the separator in force (a null QChar goes back to the locale's).
+void setDecimalSeparator(QChar separator);
+// A box's text as the program's number texts write it.
+std::string numberFromBox(const QString& text);
+// A number text of the program as a box shows it.
+QString numberToBox(const std::string& text);
 
 // The windows of the program that are loaded, in the order they were loaded.
 const std::vector<QWidget*>& loadedWindows();

@@ -519,7 +519,7 @@ QList<QLineEdit*> frmMain::analysisBoxes() const {
 }
 
 AnalysisTexts frmMain::analysisTexts() const {
-    auto s = [](const QLineEdit* b) { return b->text().toStdString(); };
+    auto s = [](const QLineEdit* b) { return numberFromBox(b->text()); };
     AnalysisTexts t;
     t.tds = s(txttds);
     t.ec = s(txtec);
@@ -804,18 +804,18 @@ void frmMain::cmdaccuracy_Click() {
 
 void frmMain::showAccuracySums() {
     const AnalysisRecord& r = theEngine().rec;
-    txtsumca->setText(QString::fromStdString(fmt::rounded(r.sumca, 5)));
-    txtsuman->setText(QString::fromStdString(fmt::rounded(r.suman, 5)));
-    txtdiff->setText(QString::fromStdString(fmt::rounded(r.diff, 5)));
+    txtsumca->setText(numberToBox(fmt::rounded(r.sumca, 5)));
+    txtsuman->setText(numberToBox(fmt::rounded(r.suman, 5)));
+    txtdiff->setText(numberToBox(fmt::rounded(r.diff, 5)));
 }
 
 void frmMain::cmdcalc_Click() {
     WindowInputs in = windowInputs(analysisTexts());
     const frmOptions* options = frmOptions::instance();
     in.sweepChecked = options->chkphsweep->isChecked();
-    in.initialText = options->txtinitialph->text().toStdString();
-    in.incrementText = options->txtincrementph->text().toStdString();
-    in.stepText = options->txtstep->text().toStdString();
+    in.initialText = numberFromBox(options->txtinitialph->text());
+    in.incrementText = numberFromBox(options->txtincrementph->text());
+    in.stepText = numberFromBox(options->txtstep->text());
     // a failure before the sweep leaves the results of the last calculation
     // as they were, for Show results and More results to show
     Engine& engine = theEngine();
@@ -881,7 +881,7 @@ void frmMain::message(const std::string& text, const std::string& title, Message
 
 bool frmMain::rejectText(QLineEdit* box) {
     const std::optional<std::string> rejection =
-        checkBoxText(box->text().toStdString(), box == txtph);
+        checkBoxText(numberFromBox(box->text()), box == txtph);
     if (!rejection) return false;
     platform().message(this, QString::fromStdString(*rejection),
                        QString::fromLatin1(kBoxMessageTitle), Platform::Icon::Information);

@@ -180,15 +180,15 @@ void frmOptions::checkBox(QLineEdit* box, const std::optional<std::string>& mess
 }
 
 void frmOptions::txtinitialph_Change() {
-    checkBox(txtinitialph, checkInitialPh(txtinitialph->text().toStdString()));
+    checkBox(txtinitialph, checkInitialPh(numberFromBox(txtinitialph->text())));
 }
 
 void frmOptions::txtincrementph_Change() {
-    checkBox(txtincrementph, checkIncrementPh(txtincrementph->text().toStdString()));
+    checkBox(txtincrementph, checkIncrementPh(numberFromBox(txtincrementph->text())));
 }
 
 void frmOptions::txtstep_Change() {
-    checkBox(txtstep, checkSteps(txtstep->text().toStdString()));
+    checkBox(txtstep, checkSteps(numberFromBox(txtstep->text())));
 }
 
 bool frmOptions::cmdApply_Click() {
@@ -243,8 +243,8 @@ bool frmOptions::apply(bool hideOnceApplied) {
     if (chkphsweep->isChecked()) {
         try {
             const SweepApplyResult r = applySweep(
-                txtinitialph->text().toStdString(), txtincrementph->text().toStdString(),
-                txtstep->text().toStdString(), theOptions().sweep, theEngine().sw.phstart);
+                numberFromBox(txtinitialph->text()), numberFromBox(txtincrementph->text()),
+                numberFromBox(txtstep->text()), theOptions().sweep, theEngine().sw.phstart);
             if (r.outcome != SweepApplyResult::Outcome::Applied) {
                 showMessage(r.message);
                 if (r.clearStepBox) txtstep->setText(QString());

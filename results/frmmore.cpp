@@ -137,7 +137,7 @@ QLabel* frmmore::label(const char* name) const {
 
 void frmmore::setBox(const char* name, const std::string& text) {
     if (QLineEdit* b = box(name)) {
-        b->setText(QString::fromStdString(text));
+        b->setText(numberToBox(text));
         b->setCursorPosition(0);
     }
 }

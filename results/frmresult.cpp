@@ -161,7 +161,7 @@ void frmresult::publishIndices(const Engine& engine) {
         c.button->setEnabled(true);
         const double v = valueAtMeasuredPh(engine, d.index);
         const std::string text = d.rounded ? fmt::rounded(v, 4) : fmt::scientific(v);
-        c.box->setText(QString::fromStdString(text));
+        c.box->setText(numberToBox(text));
         c.box->setCursorPosition(0);
     }
 }

@@ -35,6 +35,7 @@ class TestSession : public test::ProgramTest {
 private slots:
     void workedSample();
     void larsonSkoldNotChosen();
+    void decimalCommaLocale();
 };
 
 void TestSession::workedSample() {
@@ -173,6 +174,37 @@ void TestSession::larsonSkoldNotChosen() {
     QCOMPARE(resultBox("txtlr")->text(), "0.000E0");
     QVERIFY(resultBox("txtlr")->isEnabled());
     QVERIFY(test::interpretationButton(Index::LarsonSkold)->isEnabled());
+}
+
+// Under a locale with a decimal comma the user types and reads commas.
+void TestSession::decimalCommaLocale() {
+    setDecimalSeparator(QLatin1Char(','));
+    struct Restore {
+        ~Restore() { setDecimalSeparator(QChar()); }
+    } restore;
+    frmMain* m = m_;
+    frmOptions* o = openOptions();
+    applyOptions({o->chkli}, QStringLiteral("6,5"), QStringLiteral("0,5"), QStringLiteral("5"));
+    QVERIFY(rec_->messages.isEmpty());
+    QCOMPARE(theOptions().sweep.entry[1], 7.0);
+
+    // a point is no decimal separator here: "7." is rejected at its keystroke
+    test::typeInto(m->txtph, QStringLiteral("7.5"));
+    QCOMPARE(rec_->texts(), QStringList{"You must enter a number!"});
+    QCOMPARE(m->txtph->text(), QStringLiteral("5"));
+    rec_->clear();
+    type({"txtt=25", "txtph=7,5", "txtalk=200", "txtca=80", "txttds=400"});
+    QVERIFY(rec_->messages.isEmpty());
+    test::click(m->cmdread);
+    test::click(m->cmdcalc);
+    QCOMPARE(m->statusText(), QStringLiteral("End of analysis "));
+    QCOMPARE(theEngine().sw.ph(0), 7.5);
+    QCOMPARE(theEngine().sw.ph(5), 8.5);
+    test::click(m->cmdshow);
+    QCOMPARE(resultBox("txtlan")->text(), "0,2406");
+    QCOMPARE(resultBox("txtdfi")->text(), "7,7177E-1");
+    test::click(test::control<QPushButton>(frmresult::instance(), "cmdmore"));
+    QCOMPARE(frmmore::instance()->findChild<QLineEdit*>("txtlanmh")->text(), "0,89125");
 }
 
 VELMORA_GUI_TEST_MAIN(TestSession)
