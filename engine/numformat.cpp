@@ -665,6 +665,23 @@ int digitCount(std::uint64_t v) {
 
 namespace {
 
+// The exponent of the exponent form: "e+XX", "e-XX", three digits from 100 on.
+char* writeExponent(char* p, int e) {
+    *p++ = 'e';
+    if (e < 0) {
+        *p++ = '-';
+        e = -e;
+    } else {
+        *p++ = '+';
+    }
+    if (e >= 100) {
+        *p++ = static_cast<char>('0' + e / 100);
+        e %= 100;
+    }
+    write2(p, static_cast<std::uint32_t>(e));
+    return p + 2;
+}
+
 // The shortest text of a finite nonzero |x| given its bits, by the Schubfach
 // digits; p is where the text starts (after any sign). Right for every value;
 // the quick route below leaves the rare hard ones to it.
@@ -725,20 +742,7 @@ char* writeShortestExact(char* p, std::uint64_t magnitude) {
     } else {
         p += 1;
     }
-    *p++ = 'e';
-    int e = sciExp;
-    if (e < 0) {
-        *p++ = '-';
-        e = -e;
-    } else {
-        *p++ = '+';
-    }
-    if (e >= 100) {
-        *p++ = static_cast<char>('0' + e / 100);
-        e %= 100;
-    }
-    write2(p, static_cast<std::uint32_t>(e));
-    return p + 2;
+    return writeExponent(p, sciExp);
 }
 
 // ---------------------------------------------------------------------------
@@ -925,20 +929,7 @@ char* writeQuick(char* p, const Digits17& d, std::uint64_t magnitude) {
     } else {
         p += 1;
     }
-    *p++ = 'e';
-    int e = sciExp;
-    if (e < 0) {
-        *p++ = '-';
-        e = -e;
-    } else {
-        *p++ = '+';
-    }
-    if (e >= 100) {
-        *p++ = static_cast<char>('0' + e / 100);
-        e %= 100;
-    }
-    write2(p, static_cast<std::uint32_t>(e));
-    return p + 2;
+    return writeExponent(p, sciExp);
 }
 
 } // namespace
