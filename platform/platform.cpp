@@ -6,9 +6,12 @@
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QScreen>
 #include <QSettings>
 
+#include <algorithm>
 #include <cmath>
 
 namespace velmora {
@@ -70,6 +73,17 @@ public:
 
     QString saveFileName(QWidget* parent, const QString& filter) override {
         return QFileDialog::getSaveFileName(parent, QString(), QString(), filter);
+    }
+
+    std::optional<PrintJob> printDialog(QWidget* parent) override {
+        auto printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        QPrintDialog dialog(printer.get(), parent);
+        if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+        PrintJob job;
+        job.copies = std::max(1, printer->copyCount());
+        printer->setCopyCount(1);
+        job.printer = std::move(printer);
+        return job;
     }
 
     QSize screenPixels() override {

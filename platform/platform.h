@@ -2,15 +2,19 @@
 // boxes, file and print dialogs, the printer, the screen, the settings store
 // and the clock. The real implementation uses Qt; tests install a recorder.
 // This is the only place that may call QMessageBox, QFileDialog, QPrintDialog,
-// QPrinter, QScreen or QSettings.
+// QScreen or QSettings, or create a QPrinter.
 #pragma once
 
 #include <QDateTime>
 #include <QSize>
 #include <QString>
 
+#include <memory>
+#include <optional>
+
 class QWidget;
 class QDialog;
+class QPrinter;
 
 namespace velmora {
 
@@ -31,6 +35,15 @@ public:
 
     // A save dialog with a filter; empty when cancelled.
     virtual QString saveFileName(QWidget* parent, const QString& filter) = 0;
+
+    // A print dialog. On OK: the printer it set up (one copy a run: the
+    // program prints its copies itself, each on new pages) and the number of
+    // copies chosen (at least 1). Nothing on Cancel.
+    struct PrintJob {
+        std::unique_ptr<QPrinter> printer;
+        int copies = 1;
+    };
+    virtual std::optional<PrintJob> printDialog(QWidget* parent) = 0;
 
     // The screen: its size in pixels and the twips per pixel.
     virtual QSize screenPixels() = 0;

@@ -1,5 +1,7 @@
 #include "tests/support/recordingplatform.h"
 
+#include <QPrinter>
+
 namespace velmora::test {
 
 RecordingPlatform::RecordingPlatform() : clock(QDate(2024, 5, 17), QTime(10, 30, 0)) {
@@ -24,6 +26,17 @@ void RecordingPlatform::execModal(QDialog* dialog) {
 QString RecordingPlatform::saveFileName(QWidget*, const QString& filter) {
     saveFilters.append(filter);
     return saveName;
+}
+
+std::optional<Platform::PrintJob> RecordingPlatform::printDialog(QWidget*) {
+    ++printDialogs;
+    if (!printCopies) return std::nullopt;
+    PrintJob job;
+    job.printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
+    job.printer->setOutputFormat(QPrinter::PdfFormat);
+    job.printer->setOutputFileName(printToPdf);
+    job.copies = *printCopies;
+    return job;
 }
 
 QSize RecordingPlatform::screenTwips() {

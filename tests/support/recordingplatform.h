@@ -39,6 +39,9 @@ public:
     Answer answer = Answer::Ok; // the answer to a message when `answers` is empty
     QList<Answer> answers;      // answers used first, one per message
     QString saveName;           // the file name the save dialog returns (empty: cancelled)
+    std::optional<int> printCopies; // the print dialog's copies (empty: cancelled)
+    QString printToPdf;             // the PDF file the chosen printer writes
+    int printDialogs = 0;           // how many print dialogs were shown
     QSize screen{1024, 768};    // pixels
     int tppX = 15, tppY = 15;
     QSize twipsOverride; // when valid, the screen size in twips
@@ -57,6 +60,7 @@ public:
                    Buttons buttons) override;
     void execModal(QDialog* dialog) override;
     QString saveFileName(QWidget* parent, const QString& filter) override;
+    std::optional<PrintJob> printDialog(QWidget* parent) override;
     QSize screenPixels() override { return screen; }
     int twipsPerPixelX() override { return tppX; }
     int twipsPerPixelY() override { return tppY; }
