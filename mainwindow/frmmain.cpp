@@ -10,6 +10,7 @@
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
 #include "platform/platform.h"
+#include "report/reportoutput.h"
 #include "results/results.h"
 
 #include <QAction>
@@ -709,18 +710,26 @@ void frmMain::mnuFileProperties_Click() {
     openPropertiesDialog();
 }
 
-// The report commands come with the report output; until then they do nothing.
-void frmMain::mnuFileSave_Click() {}
-void frmMain::mnuFilePrint_Click() {}
+void frmMain::mnuFileSave_Click() {
+    report::saveReport(this, reportInputs(), report::savedStyle());
+}
 
+void frmMain::mnuFilePrint_Click() {
+    report::printReport(this, reportInputs(), report::printedStyle());
+}
+
+// Save and Print repeat the menu commands with the toolbar's own texts.
 void frmMain::tbToolBar_ButtonClick(QAction* button) {
     const QString key = button ? button->data().toString() : QString();
     if (key == QLatin1String("New")) {
         mnuFileNew_Click();
+    } else if (key == QLatin1String("Save")) {
+        report::saveReport(this, reportInputs(), report::savedToolbarStyle());
+    } else if (key == QLatin1String("Print")) {
+        report::printReport(this, reportInputs(), report::printedToolbarStyle());
     } else if (key == QLatin1String("Sample")) {
         openPropertiesDialog();
     }
-    // "Save", "Print" and "Graph" come with the report and graph windows
 }
 
 // ---------------------------------------------------------------------------

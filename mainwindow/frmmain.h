@@ -7,6 +7,7 @@
 #include "engine/engine.h"
 #include "intake/readdata.h"
 #include "mainwindow/formsupport.h"
+#include "report/reportlayout.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -90,6 +91,10 @@ public:
     // The twenty analysis boxes in the order of the analysis record.
     QList<QLineEdit*> analysisBoxes() const;
     AnalysisTexts analysisTexts() const;
+
+    // What the report shows, read from the boxes, the option dialogs, the
+    // sample properties and the measured point of the last calculation.
+    report::ReportInputs reportInputs() const;
 
     // Disables the accuracy frame, its labels and boxes, and empties the boxes.
     void clearAccuracyFrame();

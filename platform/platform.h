@@ -74,6 +74,12 @@ void setPlatform(Platform* p);
 // size in twips divided by the twips per pixel.
 bool isSmallScreen();
 
+// Writes `bytes` as the file `path` through a temporary file next to it that
+// replaces the file only once it is complete (through a symbolic link, the
+// file it points to; an existing file keeps its permissions). False on any
+// failure, which leaves an existing file of that name as it was.
+bool replaceFile(const QString& path, const QByteArray& bytes);
+
 // Twips to pixels and back, at the twips per pixel of the platform.
 int twipsToPixelsX(int twips);
 int twipsToPixelsY(int twips);

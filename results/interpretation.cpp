@@ -103,14 +103,17 @@ std::vector<Row> ryznarRows() {
          {"Description :   Mild scale", "General recomendation :  Treatment may be Needed"}},
         {closedOpen(6.2, 6.8),
          kGreen,
-         {"Description :   No difficulties", "General recomendation :  No Treatment"}},
+         {"Description :   No difficulties", "General recomendation :  No Treatment"},
+         {"Description :   No difficulties", "General recomendation :   No Treatment"}},
         {closedOpen(6.8, 8.5),
          kSalmon,
          {"Description :   Water is aggressive", "General recomendation :  Treatment recommended"}},
         {atLeast(8.5),
          kRed,
          {"Description :   Water is very aggressive",
-          "General recomendation :   Treatment recommended"}},
+          "General recomendation :   Treatment recommended"},
+         {"Description :   Water is very aggressive",
+          "General recomendation :  Treatment recommended"}},
     };
 }
 
@@ -119,10 +122,13 @@ std::vector<Row> puckoriusRows() {
         {below(5.9),
          kRed,
          {"Description :   Scale-forming tendency",
-          "General recomendation :  Treatment may be Needed "}},
+          "General recomendation :  Treatment may be Needed "},
+         {"Description :   Scale-forming tendency",
+          "General recomendation :  Treatment may be Needed"}},
         {closedOpen(5.9, 6.1),
          kSalmon,
-         {"Description :  Water is Stable", "General recomendation :  NO Treatment "}},
+         {"Description :  Water is Stable", "General recomendation :  NO Treatment "},
+         {"Description :   Water is Stable", "General recomendation :   NO Treatment"}},
         {atLeast(6.1),
          kGreen,
          {"Description :   Corrosion may occur", "General recomendation :  No Treatment",
@@ -180,6 +186,8 @@ std::vector<Row> larsonSkoldRows() {
         {closedOpen(0.8, 1.2),
          kSalmon,
          {"Description :  Chlorides and Sulfates hinder formation of a ", "protective film.",
+          "General recomendation :  Treatment may be Needed"},
+         {"Description :   Chlorides and Sulfates hinder formation of a ", "protective film.",
           "General recomendation :  Treatment may be Needed"}},
         {above(1.2),
          kRed,
@@ -306,11 +314,16 @@ const std::vector<Row>& table(Index index) {
     return info(index).rows;
 }
 
+const Row* matchingRow(Index index, double value) {
+    const Row* found = nullptr;
+    for (const Row& row : table(index))
+        if (row.range.contains(value)) found = &row;
+    return found;
+}
+
 const Row* rowFor(Index index, double value) {
     const std::vector<Row>& rows = table(index);
-    const Row* found = nullptr;
-    for (const Row& row : rows)
-        if (row.range.contains(value)) found = &row;
+    const Row* found = matchingRow(index, value);
     // The Larson-Skold table leaves exactly 1.2 between "0.8 <= LR < 1.2" and
     // "LR > 1.2". At 1.2 the chlorides and sulphates have reached the level
     // where localized corrosion sets in, so the value is read as the upper,

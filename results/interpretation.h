@@ -53,8 +53,14 @@ struct Row {
     Range range;
     Rgb colour;
     std::vector<std::string> lines;
+    // The report's wording of the same explanation where it differs from the
+    // window's in its blanks; empty when the report writes `lines`.
+    std::vector<std::string> reportLines = {};
     // The lines joined by CR LF, without a line break after the last line.
     std::string text() const;
+    const std::vector<std::string>& reportText() const {
+        return reportLines.empty() ? lines : reportLines;
+    }
 };
 
 // The rows of an index's table in their order of evaluation.
@@ -66,6 +72,11 @@ const std::vector<Row>& table(Index index);
 // interpretation.cpp; nullptr when no row applies (a value that is not a
 // number).
 const Row* rowFor(Index index, double value);
+
+// The row whose range holds `value` (a later matching row overriding an
+// earlier one), with no resolution of values between rows: the report
+// explains a Larson-Skold value of exactly 1.2 by no row at all.
+const Row* matchingRow(Index index, double value);
 
 // The array of the sweep arrays that holds the index (li, ri, por, ...);
 // element 0 is the value at the measured pH:

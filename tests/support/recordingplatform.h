@@ -36,13 +36,13 @@ public:
     int settingWrites = 0;
 
     // --- what it answers
-    Answer answer = Answer::Ok; // the answer to a message when `answers` is empty
-    QList<Answer> answers;      // answers used first, one per message
-    QString saveName;           // the file name the save dialog returns (empty: cancelled)
+    Answer answer = Answer::Ok;     // the answer to a message when `answers` is empty
+    QList<Answer> answers;          // answers used first, one per message
+    QString saveName;               // the file name the save dialog returns (empty: cancelled)
     std::optional<int> printCopies; // the print dialog's copies (empty: cancelled)
     QString printToPdf;             // the PDF file the chosen printer writes
     int printDialogs = 0;           // how many print dialogs were shown
-    QSize screen{1024, 768};    // pixels
+    QSize screen{1024, 768};        // pixels
     int tppX = 15, tppY = 15;
     QSize twipsOverride; // when valid, the screen size in twips
     QDateTime clock;     // fixed; 17 May 2024 10:30:00 unless set

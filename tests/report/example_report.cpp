@@ -1,0 +1,63 @@
+// The example report of the documentation: the worked sample with every
+// index (app's demo sample) and filled sample properties, saved and printed
+// through the real main window, the dialogs answered by the recording
+// platform.
+//
+//   example_report OUTPUT_FOLDER
+//
+// writes OUTPUT_FOLDER/example-report.doc and OUTPUT_FOLDER/example-report.pdf.
+#include "app/startup.h"
+#include "mainwindow/frmmain.h"
+#include "mainwindow/frmproperties.h"
+#include "mainwindow/properties.h"
+#include "tests/support/recordingplatform.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStandardPaths>
+
+#include <cstdio>
+
+using namespace velmora;
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s OUTPUT_FOLDER\n", argv[0]);
+        return 2;
+    }
+    const QDir out(QString::fromLocal8Bit(argv[1]));
+    QStandardPaths::setTestModeEnabled(true);
+    test::RecordingPlatform rec;
+    rec.clock = QDateTime::currentDateTime();
+
+    frmMain* main = startProgram();
+    runDemoSample(main);
+    openPropertiesDialog();
+    frmproperties* p = frmproperties::instance();
+    const std::pair<const char*, const char*> texts[] = {{"txtname", "Ann"},
+                                                         {"txtfamily", "Okafor"},
+                                                         {"txtorgan", "Delta Water"},
+                                                         {"txtdate", "2024-05-16"},
+                                                         {"txtlocation", "Well 3, north field"}};
+    for (const auto& [name, text] : texts)
+        p->findChild<QLineEdit*>(name)->setText(QString::fromLatin1(text));
+    p->findChild<QPushButton*>("cmdOK")->click();
+
+    rec.saveName = out.filePath("example-report");
+    main->mnuFileSave->trigger();
+    rec.printCopies = 1;
+    rec.printToPdf = out.filePath("example-report.pdf");
+    main->mnuFilePrint->trigger();
+
+    QApplication::closeAllWindows();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    const bool ok = QFile::exists(out.filePath("example-report.doc")) &&
+                    QFile::exists(out.filePath("example-report.pdf"));
+    std::printf("%s\n", ok ? "wrote example-report.doc and example-report.pdf" : "failed");
+    return ok ? 0 : 1;
+}
