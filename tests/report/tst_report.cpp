@@ -92,7 +92,7 @@ private slots:
     void toolbarSaveWithNoIndexChosen();
     void printedCopiesEachStartAPage();
     void aLongReportContinuesOnTheNextPage();
-    void printCancelledPrintsNothing();
+    void printCancelledOrFailedPrintsNothing();
 
 private:
     QTemporaryDir dir_;
@@ -263,13 +263,20 @@ void TestReport::aLongReportContinuesOnTheNextPage() {
     QCOMPARE(pages[2].first().text, QStringLiteral("Time"));
 }
 
-void TestReport::printCancelledPrintsNothing() {
+void TestReport::printCancelledOrFailedPrintsNothing() {
     calculate({openOptions()->chkli});
     rec_->printCopies.reset();
     rec_->printToPdf = path(QStringLiteral("none.pdf"));
     test::trigger(m_->mnuFilePrint);
     QCOMPARE(rec_->printDialogs, 1);
     QVERIFY(!QFile::exists(path(QStringLiteral("none.pdf"))));
+
+    // a printer that cannot start its job: nothing printed, nothing said
+    rec_->printCopies = 2;
+    rec_->printToPdf = path(QStringLiteral("no such folder/r.pdf"));
+    test::trigger(m_->mnuFilePrint);
+    QCOMPARE(QDir(folder()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
+    QVERIFY(rec_->messages.isEmpty());
 }
 
 VELMORA_GUI_TEST_MAIN(TestReport)
