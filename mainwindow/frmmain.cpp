@@ -3,6 +3,7 @@
 #include "app/frmabout.h"
 #include "app/programpicture.h"
 #include "engine/numformat.h"
+#include "graphs/frmgraphresult.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/properties.h"
 #include "options/frmactivity.h"
@@ -11,6 +12,7 @@
 #include "options/optionstate.h"
 #include "platform/platform.h"
 #include "results/results.h"
+#include "results/windowsupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -719,6 +721,10 @@ void frmMain::tbToolBar_ButtonClick(QAction* button) {
         mnuFileNew_Click();
     } else if (key == QLatin1String("Sample")) {
         openPropertiesDialog();
+    } else if (key == QLatin1String("Graph")) {
+        frmgraphresult* graph = frmgraphresult::instance();
+        showInFront(graph);
+        placeOnSmallScreen(graph, 1005, 750);
     }
     // "Save", "Print" and "Graph" come with the report and graph windows
 }
