@@ -56,22 +56,28 @@ QString axisFormat(const QString& pattern) {
 class GraphChart : public QChart {
 public:
     struct Label {
-        QGraphicsSimpleTextItem* item;
+        QGraphicsRectItem* item; // the label's ground, its text a child
         double x, y;
         bool column;
         LabelPosition position;
     };
 
-    GraphChart() {
+    // Labels sit on a patch of the plot area's own colour, so that a line
+    // passing behind one does not cross its digits.
+    explicit GraphChart(QColor ground) : ground_(ground) {
         connect(this, &QChart::plotAreaChanged, this, [this] { placeLabels(); });
     }
 
     void addLabel(int slot, const QString& text, double x, double y, bool column,
                   LabelPosition position) {
-        auto* item = new QGraphicsSimpleTextItem(text, this);
-        item->setFont(plainFont(7));
-        item->setBrush(Qt::black);
+        auto* item = new QGraphicsRectItem(this);
+        item->setPen(Qt::NoPen);
+        item->setBrush(ground_);
         item->setZValue(20);
+        auto* textItem = new QGraphicsSimpleTextItem(text, item);
+        textItem->setFont(plainFont(7));
+        textItem->setBrush(Qt::black);
+        item->setRect(textItem->boundingRect().adjusted(-1, 0, 1, 0));
         labels_.push_back({item, x, y, column, position});
         texts_[std::size_t(slot)].append(text);
     }
@@ -98,6 +104,7 @@ public:
     const std::array<QStringList, 4>& texts() const { return texts_; }
 
 private:
+    QColor ground_;
     std::vector<Label> labels_;
     std::array<QStringList, 4> texts_;
 };
@@ -127,7 +134,7 @@ std::vector<int> drawnElements(const ChartState& s, bool& numbered) {
 } // namespace
 
 QChart* buildChart(const ChartState& s, int widthHint) {
-    auto* chart = new GraphChart;
+    auto* chart = new GraphChart(s.plotFill.value_or(QColor(Qt::white)));
     chart->setAnimationOptions(QChart::NoAnimation);
     chart->setBackgroundRoundness(0);
     chart->setBackgroundBrush(Qt::white);

@@ -180,7 +180,7 @@ frmgraphresult::frmgraphresult() {
     all->addLayout(left);
     all->addLayout(right, 1);
     for (QWidget* w : std::initializer_list<QWidget*>{frachart, fraseri, fraprint})
-        w->setFixedWidth(220);
+        w->setFixedWidth(240);
 
     connect(Cmbx, &QComboBox::activated, this, &frmgraphresult::Cmbx_Click);
     connect(cmdaddin, &QPushButton::clicked, this, &frmgraphresult::cmdaddin_Click);
