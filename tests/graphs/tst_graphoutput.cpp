@@ -138,14 +138,15 @@ void TestGraphOutput::gifIsTheChartAt800x400WithExactColours() {
     // The picture drawn directly: the background and the plot area keep
     // their colours to the last pixel; only rare edge shades may move.
     const QImage drawn = renderChart(g->ChartSpace1->state(), QSize(800, 400));
-    const int plotArea = countColour(drawn, kPlotArea);
-    QVERIFY(plotArea > 800 * 400 / 4);
-    QCOMPARE(countColour(gif, kPlotArea), plotArea);
-    QCOMPARE(countColour(gif, kWhite), countColour(drawn, kWhite));
-    int differing = 0;
+    QVERIFY(countColour(drawn, kPlotArea) > 800 * 400 / 4);
+    int differing = 0, changedGround = 0;
     for (int y = 0; y < 400; ++y)
-        for (int x = 0; x < 800; ++x)
-            differing += gif.pixel(x, y) != drawn.pixel(x, y);
+        for (int x = 0; x < 800; ++x) {
+            const QRgb d = drawn.pixel(x, y);
+            differing += gif.pixel(x, y) != d;
+            changedGround += (d == kPlotArea || d == kWhite) && gif.pixel(x, y) != d;
+        }
+    QCOMPARE(changedGround, 0);
     QVERIFY2(differing < 800 * 400 / 20, qPrintable(QString::number(differing)));
 }
 
