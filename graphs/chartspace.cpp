@@ -181,7 +181,9 @@ QChart* buildChart(const ChartState& s, int widthHint) {
     x->setLabelsFont(plainFont(s.bottom.tickSize));
     x->setLabelsBrush(Qt::black);
     x->setGridLineVisible(false);
-    if (s.bottom.titleVisible) {
+    // (Qt Charts places the title of an axis without categories at the
+    // chart's corner: an empty axis has none)
+    if (s.bottom.titleVisible && count > 0) {
         x->setTitleText(s.bottom.title);
         x->setTitleFont(makeFont(s.bottom.titleFont));
         x->setTitleBrush(s.bottom.titleFont.colour);
