@@ -298,11 +298,10 @@ std::array<QStringList, 4> dataLabelTexts(QChart* chart) {
 }
 
 QImage renderChart(const ChartState& state, QSize size) {
-    QChartView view;
+    QChartView view(buildChart(state, size.width())); // (owns the chart)
     view.setAttribute(Qt::WA_DontShowOnScreen);
     view.setFrameShape(QFrame::NoFrame);
     view.setRenderHint(QPainter::Antialiasing);
-    view.setChart(buildChart(state, size.width()));
     view.resize(size);
     view.show();
     QCoreApplication::sendPostedEvents();
