@@ -62,8 +62,8 @@ public:
         LabelPosition position;
     };
 
-    // Labels sit on a patch of the plot area's own colour, so that a line
-    // passing behind one does not cross its digits.
+    // Labels of lines sit on a veil of the plot area's own colour, so that a
+    // line passing behind one does not cross its digits.
     explicit GraphChart(QColor ground) : ground_(ground) {
         connect(this, &QChart::plotAreaChanged, this, [this] { placeLabels(); });
     }
@@ -72,7 +72,12 @@ public:
                   LabelPosition position) {
         auto* item = new QGraphicsRectItem(this);
         item->setPen(Qt::NoPen);
-        item->setBrush(ground_);
+        // (a column's label would cut into the neighbouring columns: no ground)
+        if (!column) {
+            QColor veil = ground_; // the line still shows through, faintly
+            veil.setAlpha(200);
+            item->setBrush(veil);
+        }
         item->setZValue(20);
         auto* textItem = new QGraphicsSimpleTextItem(text, item);
         textItem->setFont(plainFont(7));

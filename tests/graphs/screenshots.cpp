@@ -47,7 +47,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s OUTPUT_FOLDER\n", argv[0]);
         return 2;
     }
-    const QDir out(QString::fromLocal8Bit(argv[1]));
+    // (absolute: the program may change the current folder as it starts)
+    const QDir out(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
 
     QStandardPaths::setTestModeEnabled(true);
     frmMain* main = startProgram();
