@@ -72,8 +72,8 @@ QChart* buildChart(const ChartState& state, int widthHint);
 // The chart drawn at `size` pixels into a picture (no screen involved).
 QImage renderChart(const ChartState& state, QSize size);
 
-// The texts of the data labels a chart shows, slot by slot (for the window's
-// own checks and for tests): empty for a slot without visible labels.
+// The texts of the data labels a chart built here shows, slot by slot: empty
+// for a slot without visible labels.
 std::array<QStringList, 4> dataLabelTexts(QChart* chart);
 
 class ChartSpace : public QChartView {

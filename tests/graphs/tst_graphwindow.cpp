@@ -149,6 +149,7 @@ private slots:
     void indexThenSpeciesLeavesOnlyTheSpecies();
     void addIndicesGuard();
     void noCategoryChosen();
+    void equalPhValuesKeepTheirCategories();
     void larsonSkoldMessage_data();
     void larsonSkoldMessage();
     void chartTypes_data();
@@ -361,6 +362,15 @@ void TestGraphWindow::noCategoryChosen() {
     QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, 3));
     QCOMPARE(categoryLabels(g), (QStringList{"1", "2", "3"}));
     QVERIFY(g->ChartSpace1->chart()->title().isEmpty());
+}
+
+void TestGraphWindow::equalPhValuesKeepTheirCategories() {
+    fakeSweep(3); // a sweep with an increment of 0
+    for (int i = 1; i <= 3; ++i)
+        theEngine().sw.ph(i) = 7.0;
+    frmgraphresult* g = indexChart(0);
+    QCOMPARE(categoryLabels(g).size(), 3);
+    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, 3));
 }
 
 void TestGraphWindow::larsonSkoldMessage_data() {
