@@ -60,6 +60,7 @@ public:
         double x, y;
         bool column;
         LabelPosition position;
+        std::optional<double> nextY; // the line's next point, one category on
     };
 
     // Labels of lines sit on a veil of the plot area's own colour, so that a
@@ -69,7 +70,7 @@ public:
     }
 
     void addLabel(int slot, const QString& text, double x, double y, bool column,
-                  LabelPosition position) {
+                  LabelPosition position, std::optional<double> nextY) {
         auto* item = new QGraphicsRectItem(this);
         item->setPen(Qt::NoPen);
         // (a column's label would cut into the neighbouring columns: no ground)
@@ -83,7 +84,7 @@ public:
         textItem->setFont(plainFont(7));
         textItem->setBrush(Qt::black);
         item->setRect(textItem->boundingRect().adjusted(-1, 0, 1, 0));
-        labels_.push_back({item, x, y, column, position});
+        labels_.push_back({item, x, y, column, position, nextY});
         texts_[std::size_t(slot)].append(text);
     }
 
@@ -98,8 +99,15 @@ public:
                 at = QPointF(p.x() - r.width() / 2, l.y < 0 ? p.y() + 2 : p.y() - r.height() - 2);
             } else if (l.position == LabelPosition::Top) {
                 at = QPointF(p.x() - r.width() / 2, p.y() - r.height() - kLabelGap + 2);
-            } else { // right of the point
+            } else { // right of the point, on the side away from the line going on
                 at = QPointF(p.x() + kLabelGap, p.y() - r.height() / 2);
+                if (l.nextY) {
+                    const double next = mapToPosition(QPointF(l.x + 1, *l.nextY), anchor).y();
+                    if (next < p.y() - 1)
+                        at.setY(p.y() + 1);
+                    else if (next > p.y() + 1)
+                        at.setY(p.y() - r.height() - 1);
+                }
             }
             l.item->setPos(at);
             l.item->setVisible(plotArea().adjusted(-1, -1, 1, 1).contains(p));
@@ -262,7 +270,8 @@ QChart* buildChart(const ChartState& s, int widthHint) {
                 chart->addLabel(
                     int(k),
                     QString::fromStdString(fmt::dataLabel(*v, slot.labelFormat.toStdString())),
-                    p + offset, *v, column, slot.labelPosition);
+                    p + offset, *v, column, slot.labelPosition,
+                    column || p + 1 >= count ? std::nullopt : valueAt(p + 1));
         }
         if (column) ++columnIndex;
     }
