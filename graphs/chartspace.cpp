@@ -30,10 +30,10 @@ constexpr double kMarkerSize = 4; // Qt Charts 6.4 draws it as the radius
 constexpr double kLabelGap = 7;   // pixels between a point and its label
 constexpr int kLabelPixelsPerCategory = 34;
 
-QFont makeFont(const FontSpec& spec) {
-    QFont f(spec.family);
-    f.setPointSizeF(spec.size);
-    f.setBold(spec.bold);
+QFont makeFont(const FontSpec& font) {
+    QFont f(font.family);
+    f.setPointSizeF(font.size);
+    f.setBold(font.bold);
     return f;
 }
 
