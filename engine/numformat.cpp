@@ -438,6 +438,59 @@ std::string scientific(double x) {
     return s;
 }
 
+std::string fixedDecimals(double x, int decimals) {
+    if (!std::isfinite(x)) return numberText(x);
+    Decimal d = shortestDecimal(x + 0.0); // + 0.0: no sign for minus zero
+    roundDigits(d, d.exp + decimals + 1, Halves::AwayFromZero);
+    std::string s;
+    if (d.negative) s += '-';
+    // the digit standing for 10^p, 0 outside the digits kept
+    const auto digitAt = [&d](int p) {
+        const int k = d.exp - p;
+        return k >= 0 && k < static_cast<int>(d.digits.size()) ? d.digits[k] : '0';
+    };
+    for (int p = std::max(d.digits.empty() ? 0 : d.exp, 0); p >= 0; --p)
+        s += digitAt(p);
+    if (decimals > 0) {
+        s += '.';
+        for (int p = -1; p >= -decimals; --p)
+            s += digitAt(p);
+    }
+    return s;
+}
+
+std::string exponentDecimals(double x, int decimals, bool plusSign) {
+    if (!std::isfinite(x)) return numberText(x);
+    Decimal d = shortestDecimal(x + 0.0);
+    roundDigits(d, decimals + 1, Halves::AwayFromZero);
+    if (d.digits.empty()) d.exp = 0; // zero: 0.00E+00
+    d.digits.resize(static_cast<std::size_t>(decimals) + 1, '0');
+    std::string s;
+    if (d.negative) s += '-';
+    s += d.digits[0];
+    if (decimals > 0) {
+        s += '.';
+        s.append(d.digits, 1);
+    }
+    s += 'E';
+    if (d.exp < 0)
+        s += '-';
+    else if (plusSign)
+        s += '+';
+    const int e = std::abs(d.exp);
+    if (e < 10) s += '0';
+    s += std::to_string(e);
+    return s;
+}
+
+std::string dataLabel(double x, std::string_view pattern) {
+    if (pattern == "0.000") return fixedDecimals(x, 3);
+    if (pattern == "0.00000") return fixedDecimals(x, 5);
+    if (pattern == "0.00E-00") return exponentDecimals(x, 2, false);
+    if (pattern == "0.00E+00") return exponentDecimals(x, 2, true);
+    return numberText(x);
+}
+
 std::string printNum(double x) {
     if (std::isnan(x) || std::isinf(x)) {
         std::string s(1, ' ');

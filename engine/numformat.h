@@ -24,6 +24,23 @@ std::string rounded(double x, int decimals);
 // 12345 -> "1.2345E4", -0.000123 -> "-1.230E-4".
 std::string scientific(double x);
 
+// The chart's data-label formats, written as a spreadsheet writes them
+// (halves away from zero, decided on the decimal value of x):
+//   "0.000"    -1.23456 -> "-1.235"          "0.00000"  0.000123456 -> "0.00012"
+//   "0.00E-00" 1.234e-5 -> "1.23E-05", 12345 -> "1.23E04" (sign of a negative exponent only)
+//   "0.00E+00" 1.234e-5 -> "1.23E-05", 12345 -> "1.23E+04" (sign always)
+// A negative value that rounds to zero keeps its sign ("-0.000"). Any other
+// pattern, and a value that is not finite, gets numberText.
+std::string dataLabel(double x, std::string_view pattern);
+
+// x with exactly `decimals` decimals, halves away from zero ("0.000" style).
+std::string fixedDecimals(double x, int decimals);
+
+// x as a mantissa with `decimals` decimals and an exponent of at least two
+// digits; `plusSign` writes "+" before a positive exponent ("0.00E+00"
+// style), otherwise it has no sign ("0.00E-00" style).
+std::string exponentDecimals(double x, int decimals, bool plusSign);
+
 // The report's print format num(x): a leading blank when x is not negative,
 // no zero before the point below 1 (".345678"), exponent form below 0.0001
 // ("1.2E-05"), then one trailing blank.

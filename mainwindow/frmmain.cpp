@@ -3,6 +3,7 @@
 #include "app/frmabout.h"
 #include "app/programpicture.h"
 #include "engine/numformat.h"
+#include "graphs/frmgraphresult.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/properties.h"
 #include "options/frmactivity.h"
@@ -12,6 +13,7 @@
 #include "platform/platform.h"
 #include "report/reportoutput.h"
 #include "results/results.h"
+#include "results/windowsupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -729,6 +731,10 @@ void frmMain::tbToolBar_ButtonClick(QAction* button) {
         report::printReport(this, reportInputs(), report::printedToolbarStyle());
     } else if (key == QLatin1String("Sample")) {
         openPropertiesDialog();
+    } else if (key == QLatin1String("Graph")) {
+        frmgraphresult* graph = frmgraphresult::instance();
+        showInFront(graph);
+        placeOnSmallScreen(graph, 1005, 750);
     }
 }
 

@@ -12,11 +12,14 @@
 #include <QSettings>
 
 #include <QFile>
+#include <QLocale>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include <fcntl.h>
@@ -147,41 +150,63 @@ bool isSmallScreen() {
            static_cast<double>(twips.height()) / ty == 600.0;
 }
 
-bool replaceFile(const QString& path, const QByteArray& bytes) {
-    if (path.isEmpty()) return false;
+bool replaceFile(const QString& path, const QByteArray& bytes, QString* error) {
+    auto fail = [error](int code) {
+        if (error) *error = QString::fromLocal8Bit(std::strerror(code));
+        return false;
+    };
+    if (path.isEmpty()) return fail(ENOENT);
     std::string target = QFile::encodeName(path).toStdString();
     struct stat existing {};
     const bool exists = ::stat(target.c_str(), &existing) == 0;
-    if (exists && !S_ISREG(existing.st_mode)) return false;
+    if (exists && !S_ISREG(existing.st_mode))
+        return fail(S_ISDIR(existing.st_mode) ? EISDIR : EINVAL);
     if (exists) {
+        // through a symbolic link the file it points to is replaced
         if (char* real = ::realpath(target.c_str(), nullptr)) {
             target = real;
             std::free(real);
         }
     }
 
+    // next to the target, so that the rename stays on one file system
     std::string temp;
     int fd = -1;
     for (int attempt = 0; fd < 0; ++attempt) {
         temp = target + ".tmp" + std::to_string(::getpid()) + "-" + std::to_string(attempt);
         fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd < 0 && (errno != EEXIST || attempt > 100)) return false;
+        if (fd < 0 && (errno != EEXIST || attempt > 100)) return fail(errno);
     }
-    bool ok = !exists || ::fchmod(fd, existing.st_mode & 07777) == 0;
-    for (qsizetype done = 0; ok && done < bytes.size();) {
+    int code = 0; // the first failure's errno
+    auto check = [&code](bool done) {
+        if (!done && code == 0) code = errno ? errno : EIO;
+        return done;
+    };
+    if (exists) check(::fchmod(fd, existing.st_mode & 07777) == 0);
+    for (qsizetype done = 0; code == 0 && done < bytes.size();) {
+        errno = 0;
         const ssize_t n =
             ::write(fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done));
         if (n < 0 && errno == EINTR) continue;
-        if (n <= 0)
-            ok = false;
-        else
-            done += n;
+        if (check(n > 0)) done += n;
     }
-    ok = ok && ::fsync(fd) == 0;
-    ok = ::close(fd) == 0 && ok;
-    ok = ok && ::rename(temp.c_str(), target.c_str()) == 0;
-    if (!ok) ::unlink(temp.c_str());
-    return ok;
+    if (code == 0) check(::fsync(fd) == 0);
+    check(::close(fd) == 0);
+    if (code == 0) check(::rename(temp.c_str(), target.c_str()) == 0);
+    if (code == 0) return true;
+    ::unlink(temp.c_str());
+    return fail(code);
+}
+
+QString longTimeText(const QDateTime& when) {
+    const QLocale locale = QLocale::system();
+    QString format = locale.timeFormat(QLocale::LongFormat);
+    format.remove(QRegularExpression(QStringLiteral("\\s*\\bt+\\b\\s*")));
+    return locale.toString(when.time(), format.trimmed());
+}
+
+QString shortDateText(const QDateTime& when) {
+    return QLocale::system().toString(when.date(), QLocale::ShortFormat);
 }
 
 int twipsToPixelsX(int twips) {

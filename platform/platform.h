@@ -78,7 +78,13 @@ bool isSmallScreen();
 // replaces the file only once it is complete (through a symbolic link, the
 // file it points to; an existing file keeps its permissions). False on any
 // failure, which leaves an existing file of that name as it was.
-bool replaceFile(const QString& path, const QByteArray& bytes);
+// `error`, when given, receives the reason of a failure.
+bool replaceFile(const QString& path, const QByteArray& bytes, QString* error = nullptr);
+
+// The clock's time in the system locale's long time format (without a time
+// zone) and its date in the short date format, as the printouts stamp them.
+QString longTimeText(const QDateTime& when);
+QString shortDateText(const QDateTime& when);
 
 // Twips to pixels and back, at the twips per pixel of the platform.
 int twipsToPixelsX(int twips);

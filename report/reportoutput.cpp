@@ -4,7 +4,6 @@
 
 #include <QFont>
 #include <QFontMetricsF>
-#include <QLocale>
 #include <QPainter>
 #include <QPrinter>
 #include <QStringList>
@@ -13,12 +12,11 @@ namespace velmora::report {
 
 namespace {
 
-// The first two lines: the system locale's long time and short date.
+// The first two lines' time and date.
 void stampClock(ReportInputs& in) {
     const QDateTime now = platform().now();
-    const QLocale locale = QLocale::system();
-    in.time = locale.toString(now, locale.timeFormat(QLocale::LongFormat)).toStdString();
-    in.date = locale.toString(now.date(), QLocale::ShortFormat).toStdString();
+    in.time = longTimeText(now).toStdString();
+    in.date = shortDateText(now).toStdString();
 }
 
 // Every statement end and every embedded line feed starts a new line on paper.

@@ -136,6 +136,50 @@ TEST(NumFormat, Scientific) {
     }
 }
 
+struct LabelCase {
+    const char* name;
+    const char* pattern;
+    double x;
+    const char* expected;
+};
+
+TEST(NumFormat, DataLabel) {
+    const std::vector<LabelCase> cases = {
+        {"fixed_pads_decimals", "0.000", 1.5, "1.500"},
+        {"fixed_negative_index", "0.000", -1.23456, "-1.235"},
+        {"fixed_half_away_from_zero", "0.000", 0.0125, "0.013"},
+        {"fixed_negative_half_away", "0.000", -0.0125, "-0.013"},
+        {"fixed_decimal_value_decides", "0.000", 2.0005, "2.001"},
+        {"fixed_carry_into_integer", "0.000", 9.9996, "10.000"},
+        {"fixed_rounds_up_from_below_all_digits", "0.000", 0.0005, "0.001"},
+        {"fixed_small_negative_keeps_sign", "0.000", -0.0004, "-0.000"},
+        {"fixed_zero", "0.000", 0, "0.000"},
+        {"fixed_minus_zero_has_no_sign", "0.000", -0.0, "0.000"},
+        {"fixed_large", "0.000", 12345.6789, "12345.679"},
+        {"fixed_species", "0.00000", 0.000123456, "0.00012"},
+        {"fixed_species_tiny", "0.00000", 3e-9, "0.00000"},
+        {"fixed_species_half", "0.00000", 0.000015, "0.00002"},
+        {"exp_minus_negative_exponent", "0.00E-00", 1.234e-5, "1.23E-05"},
+        {"exp_minus_positive_exponent_no_sign", "0.00E-00", 12345, "1.23E04"},
+        {"exp_minus_exponent_zero", "0.00E-00", 7.5, "7.50E00"},
+        {"exp_minus_negative_value", "0.00E-00", -0.000987, "-9.87E-04"},
+        {"exp_minus_zero", "0.00E-00", 0, "0.00E00"},
+        {"exp_minus_carry_into_exponent", "0.00E-00", 9.996e-3, "1.00E-02"},
+        {"exp_minus_half_away", "0.00E-00", 1.235e-3, "1.24E-03"},
+        {"exp_minus_three_digit_exponent", "0.00E-00", 2.5e-123, "2.50E-123"},
+        {"exp_plus_positive_exponent", "0.00E+00", 12345, "1.23E+04"},
+        {"exp_plus_negative_exponent", "0.00E+00", 4.567e-7, "4.57E-07"},
+        {"exp_plus_negative_value", "0.00E+00", -31.4159, "-3.14E+01"},
+        {"exp_plus_zero", "0.00E+00", 0, "0.00E+00"},
+        {"other_pattern_is_number_text", "General", 0.25, "0.25"},
+        {"not_finite", "0.000", std::numeric_limits<double>::infinity(), "Infinity"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(fmt::dataLabel(c.x, c.pattern), c.expected);
+    }
+}
+
 TEST(NumFormat, PrintNum) {
     const std::vector<TextCase> cases = {
         {"below_one_no_zero", 0.345678, " .345678 "},

@@ -4,6 +4,7 @@
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "options/frmoptions.h"
+#include "platform/platform.h"
 #include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
@@ -154,11 +155,8 @@ void TestReport::savedReportOfTheWorkedSample() {
     QCOMPARE(rec_->saveFilters, QStringList{QStringLiteral("word ducument(*.doc)")});
 
     const QByteArray saved = readAll(path(QStringLiteral("worked.doc")));
-    const QLocale locale = QLocale::system();
-    const QByteArray stamp =
-        "Time :" + locale.toString(rec_->clock, locale.timeFormat(QLocale::LongFormat)).toUtf8() +
-        "       Velmora\r\nDate :" +
-        locale.toString(rec_->clock.date(), QLocale::ShortFormat).toUtf8();
+    const QByteArray stamp = "Time :" + longTimeText(rec_->clock).toUtf8() +
+                             "       Velmora\r\nDate :" + shortDateText(rec_->clock).toUtf8();
     QVERIFY(saved.startsWith(stamp));
     QCOMPARE(body(saved), body(readAll(QStringLiteral(VELMORA_DOCS "/example-report.doc"))));
 }
