@@ -122,7 +122,9 @@ std::string crossingColumn(SweepIndex index, double value);
 
 // The index at any pH exactly as a sweep point of the calculated water
 // computes it, both alkalinity branches included; empty where the sweep
-// point would fail on the index's own formula.
+// point would fail on the index's own formula. (A sweep point that falls
+// exactly on the measured pH is computed by the sweep from the measured
+// alkalinity instead; this stays the continuous function there.)
 std::optional<double> sweepIndexAt(const Engine& engine, SweepIndex index, double ph);
 
 // The pH range of the sweep points the calculation computed: points 1 to
