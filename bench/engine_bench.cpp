@@ -1,5 +1,6 @@
-// Speed of the chemistry engine: one pH point, and a whole calculation with
-// the longest pH sweep the arrays hold.
+// Speed of the chemistry engine: one pH point, a whole calculation with the
+// longest pH sweep the arrays hold, and the CCPP and crossings of a row.
+#include "engine/ccpp.h"
 #include "engine/engine.h"
 #include "engine/numformat.h"
 
@@ -123,5 +124,42 @@ void BM_ShortestOneAtATime(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<long>(row.size()));
 }
 BENCHMARK(BM_ShortestOneAtATime);
+
+// What --ccpp --crossings adds to a row: the CCPP of the measured point and
+// the crossings of one set over a sweep from pH 6 to 9.9.
+template <velmora::CrossingSet Set> void BM_CcppAndCrossings(benchmark::State& state) {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    in.sweepChecked = true;
+    in.initialText = "6.0";
+    in.incrementText = "0.1";
+    in.stepText = "40";
+    const velmora::CalcOutcome out = e.calculate(flags, in);
+    for (auto _ : state) {
+        const velmora::CcppResult r = velmora::computeCcpp(e);
+        benchmark::DoNotOptimize(r.ccpp);
+        const auto c = velmora::findCrossings(e, out, Set);
+        benchmark::DoNotOptimize(c.data());
+    }
+}
+BENCHMARK(BM_CcppAndCrossings<velmora::CrossingSet::Neutral>)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_CcppAndCrossings<velmora::CrossingSet::Table>)->Unit(benchmark::kMicrosecond);
+
+void BM_Ccpp(benchmark::State& state) {
+    Engine e;
+    EquationFlags flags;
+    readSample(e, flags);
+    WindowInputs in;
+    in.phText = "7.5";
+    e.calculate(flags, in);
+    for (auto _ : state) {
+        const velmora::CcppResult r = velmora::computeCcpp(e);
+        benchmark::DoNotOptimize(r.ccpp);
+    }
+}
+BENCHMARK(BM_Ccpp)->Unit(benchmark::kMicrosecond);
 
 } // namespace
