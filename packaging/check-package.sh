@@ -100,6 +100,12 @@ zcat "$root/usr/share/man/man1/velmora-calc.1.gz" | sed 's/\\-/-/g' >"$work/calc
 for o in $options; do
     grep -q -- "$o\b" "$work/calc.1" || fail "velmora-calc(1) lacks $o"
 done
+# velmora(1) names every environment variable of its own the program reads
+zcat "$root/usr/share/man/man1/velmora.1.gz" | sed 's/\\-/-/g' >"$work/velmora.1"
+for v in $(cd "$src" && grep -rhoE 'qEnvironmentVariable(IsSet)?\("VELMORA_[A-Z_]+' \
+    --include=*.cpp --exclude-dir=tests --exclude-dir='build*' . | grep -oE 'VELMORA_[A-Z_]+' | sort -u); do
+    grep -qw -- "$v" "$work/velmora.1" || fail "velmora(1) lacks $v"
+done
 for page in velmora velmora-calc; do
     warnings=$(MANWIDTH=80 man --warnings -l "$root/usr/share/man/man1/$page.1.gz" 2>&1 >/dev/null)
     [ -z "$warnings" ] || fail "$page(1): $warnings"
