@@ -36,15 +36,17 @@ void drawDrop(QPainter& p, const QRectF& r) {
     p.setBrush(water);
     p.drawPath(drop);
 
-    // the highlight
+    // the highlight, inside the drop
     QRadialGradient shine(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35),
                           radius * 0.5);
     shine.setColorAt(0, QColor(255, 255, 255, 200));
     shine.setColorAt(1, QColor(255, 255, 255, 0));
     p.setPen(Qt::NoPen);
     p.setBrush(shine);
-    p.drawEllipse(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35), radius * 0.5,
-                  radius * 0.5);
+    QPainterPath highlight;
+    highlight.addEllipse(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35),
+                         radius * 0.5, radius * 0.5);
+    p.drawPath(highlight.intersected(drop));
 
     // an S-shaped titration curve inside the drop (its stroke cut to the drop
     // as a shape, not by clipping, so that vector output keeps it inside)
