@@ -3,11 +3,14 @@
 #   ./velmora.sh run    install what is missing, build, start the desktop program
 #   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized)
 #   ./velmora.sh calc   build and run velmora-calc on the bundled example waters
+#   ./velmora.sh package  build the Debian package into build/ and print its path
 set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev libgif-dev libgtest-dev
           libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time fonts-liberation poppler-utils)
+# the icons, the manuals and the Debian package with its checks
+PACKAGES+=(qt6-svg-dev help2man man-db dpkg-dev lintian desktop-file-utils appstream bash-completion)
 
 install_deps() {
     local missing=()
@@ -48,6 +51,12 @@ calc)
     build build -DCMAKE_BUILD_TYPE=Release -DVELMORA_BENCHMARKS=OFF
     exec ./build/batch/velmora-calc examples/waters.csv
     ;;
+package)
+    install_deps
+    build build -DCMAKE_BUILD_TYPE=Release -DVELMORA_BENCHMARKS=OFF
+    log=$(cd build && cpack 2>&1) || { echo "$log" >&2; exit 1; }
+    sed -n 's/^CPack: - package: \(.*\) generated\.$/\1/p' <<<"$log"
+    ;;
 test)
     install_deps
     test_env
@@ -58,7 +67,7 @@ test)
         ctest --output-on-failure -j2)
     ;;
 *)
-    echo "usage: $0 run|test|calc" >&2
+    echo "usage: $0 run|test|calc|package" >&2
     exit 2
     ;;
 esac

@@ -3,6 +3,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPainterPathStroker>
 #include <QRadialGradient>
 
 #include <algorithm>
@@ -35,29 +36,32 @@ void drawDrop(QPainter& p, const QRectF& r) {
     p.setBrush(water);
     p.drawPath(drop);
 
-    // the highlight
+    // the highlight, inside the drop
     QRadialGradient shine(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35),
                           radius * 0.5);
     shine.setColorAt(0, QColor(255, 255, 255, 200));
     shine.setColorAt(1, QColor(255, 255, 255, 0));
     p.setPen(Qt::NoPen);
     p.setBrush(shine);
-    p.drawEllipse(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35), radius * 0.5,
-                  radius * 0.5);
+    QPainterPath highlight;
+    highlight.addEllipse(QPointF(centre.x() - radius * 0.45, centre.y() - radius * 0.35),
+                         radius * 0.5, radius * 0.5);
+    p.drawPath(highlight.intersected(drop));
 
-    // an S-shaped titration curve inside the drop
-    p.save();
-    p.setClipPath(drop);
+    // an S-shaped titration curve inside the drop (its stroke cut to the drop
+    // as a shape, not by clipping, so that vector output keeps it inside)
     QPainterPath curve;
     const double x0 = centre.x() - radius * 0.8, x1 = centre.x() + radius * 0.8;
     const double yLow = centre.y() + radius * 0.55, yHigh = centre.y() - radius * 0.55;
     curve.moveTo(x0, yLow);
     curve.cubicTo(QPointF(centre.x() + radius * 0.1, yLow),
                   QPointF(centre.x() - radius * 0.1, yHigh), QPointF(x1, yHigh));
-    p.setPen(QPen(QColor(255, 255, 255, 230), std::max(1.5, w / 28), Qt::SolidLine, Qt::RoundCap));
-    p.setBrush(Qt::NoBrush);
-    p.drawPath(curve);
-    p.restore();
+    QPainterPathStroker stroker;
+    stroker.setWidth(std::max(1.5, w / 28));
+    stroker.setCapStyle(Qt::RoundCap);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(255, 255, 255, 230));
+    p.drawPath(stroker.createStroke(curve).intersected(drop));
 }
 
 // A vertical pH scale from acid (red, top) to alkaline (violet, bottom).
@@ -81,25 +85,44 @@ void drawScale(QPainter& p, const QRectF& r) {
 
 } // namespace
 
-QPixmap programPicture(QSize size) {
-    QPixmap pm(size.expandedTo(QSize(8, 8)));
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
+void paintProgramPicture(QPainter& p, const QRectF& all) {
     p.setRenderHint(QPainter::Antialiasing);
-    const QRectF all(0, 0, pm.width(), pm.height());
     const double side = std::min(all.width(), all.height());
     if (all.width() >= side * 1.4) {
         // wide: the drop with the scale beside it
         const double bar = side * 0.16;
         const double gap = side * 0.12;
         const double total = side + gap + bar * 2;
-        const double left = (all.width() - total) / 2;
-        drawDrop(p, QRectF(left, 0, side, side));
-        drawScale(p, QRectF(left + side + gap, side * 0.06, bar, side * 0.88));
+        const double left = all.left() + (all.width() - total) / 2;
+        drawDrop(p, QRectF(left, all.top(), side, side));
+        drawScale(p, QRectF(left + side + gap, all.top() + side * 0.06, bar, side * 0.88));
     } else {
-        drawDrop(p, QRectF((all.width() - side) / 2, (all.height() - side) / 2, side, side));
+        drawDrop(p, QRectF(all.left() + (all.width() - side) / 2,
+                           all.top() + (all.height() - side) / 2, side, side));
     }
+}
+
+QPixmap programPicture(QSize size) {
+    QPixmap pm(size.expandedTo(QSize(8, 8)));
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    paintProgramPicture(p, QRectF(0, 0, pm.width(), pm.height()));
     return pm;
+}
+
+QImage programIconImage(int side) {
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter p(&image);
+    paintProgramPicture(p, QRectF(0, 0, side, side));
+    return image;
+}
+
+QIcon programIcon() {
+    QIcon icon;
+    for (int side : kIconSizes)
+        icon.addPixmap(QPixmap::fromImage(programIconImage(side)));
+    return icon;
 }
 
 } // namespace velmora

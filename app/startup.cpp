@@ -1,6 +1,7 @@
 #include "app/startup.h"
 
 #include "app/frmsplash.h"
+#include "app/programpicture.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmoptions.h"
@@ -18,6 +19,10 @@ namespace velmora {
 frmMain* startProgram() {
     QCoreApplication::setApplicationName(QStringLiteral("Velmora"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION));
+    // The window switcher shows the program's picture; on Wayland the
+    // desktop entry is found by its name.
+    QApplication::setWindowIcon(programIcon());
+    QGuiApplication::setDesktopFileName(QStringLiteral(VELMORA_APP_ID));
 
     const bool small = isSmallScreen();
     frmSplash* splash = frmSplash::instance();

@@ -125,7 +125,8 @@ Options (--opt value and --opt=value both work):
                       a failed run leaves an existing FILE untouched
   --ionic EQUATION    ionic strength equation: langelier (default), russell
                       or lewis (Lewis and Randall, with the ion balance)
-  --activity EQUATION activity coefficient equation: none (default: the
+  --activity EQUATION
+                      activity coefficient equation: none (default: the
                       Debye-Huckel limiting law), limiting, extended,
                       guntelberg or davies
   --larson-skold      the Larson-Skold index is chosen: chloride and sulphate

@@ -11,6 +11,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <cmath>
 
 namespace velmora {
 
@@ -22,6 +23,18 @@ QPalette::ColorRole roleOf(const QWidget* w) {
     if (qobject_cast<const QLineEdit*>(w)) return QPalette::Base;
     if (qobject_cast<const QAbstractButton*>(w)) return QPalette::Button;
     return QPalette::Window;
+}
+
+// The role of the text painted on the back colour of `role`.
+QPalette::ColorRole textRoleOf(QPalette::ColorRole role) {
+    switch (role) {
+    case QPalette::Base:
+        return QPalette::Text;
+    case QPalette::Button:
+        return QPalette::ButtonText;
+    default:
+        return QPalette::WindowText;
+    }
 }
 
 } // namespace
@@ -105,14 +118,47 @@ QColor vbColor(quint32 bgr) {
                   static_cast<int>((bgr >> 16) & 0xFFu));
 }
 
+namespace {
+// The relative luminance of a colour (0 black to 1 white).
+double luminance(const QColor& c) {
+    auto linear = [](double v) {
+        return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(c.redF()) + 0.7152 * linear(c.greenF()) + 0.0722 * linear(c.blueF());
+}
+} // namespace
+
+QColor textColourOn(const QColor& back) {
+    // black or white, whichever contrasts more with the back colour
+    const double l = luminance(back);
+    return (l + 0.05) / 0.05 >= 1.05 / (l + 0.05) ? QColor(Qt::black) : QColor(Qt::white);
+}
+
+QColor disabledTextColourOn(const QColor& back) {
+    // half way between the enabled text colour and the back colour
+    const QColor text = textColourOn(back);
+    return QColor((text.red() + back.red()) / 2, (text.green() + back.green()) / 2,
+                  (text.blue() + back.blue()) / 2);
+}
+
 void setBackColor(QWidget* w, quint32 bgr) {
     const QPalette::ColorRole role = roleOf(w);
     QPalette pal = w->palette();
+    const QPalette::ColorRole textRole = textRoleOf(role);
     if (bgr & 0x80000000u) {
-        // back to the system colour of the role
-        pal.setBrush(role, QApplication::palette(w).brush(role));
+        // back to the system colours of the role and of its text
+        const QPalette system = QApplication::palette(w);
+        for (QPalette::ColorRole r : {role, textRole})
+            for (QPalette::ColorGroup g :
+                 {QPalette::Active, QPalette::Inactive, QPalette::Disabled})
+                pal.setBrush(g, r, system.brush(g, r));
     } else {
-        pal.setColor(role, vbColor(bgr));
+        // a fixed back colour fixes its text colour too, whatever the
+        // desktop's palette is
+        const QColor back = vbColor(bgr);
+        pal.setColor(role, back);
+        pal.setColor(textRole, textColourOn(back));
+        pal.setColor(QPalette::Disabled, textRole, disabledTextColourOn(back));
     }
     w->setPalette(pal);
     if (role == QPalette::Window) w->setAutoFillBackground(!(bgr & 0x80000000u));

@@ -97,8 +97,15 @@ private:
 QColor vbColor(quint32 bgr);
 
 // Gives `w` a back colour: the Base role of a text box, the Button role of a
-// button (painted by the style), the Window role of anything else.
+// button (painted by the style), the Window role of anything else. A fixed
+// colour fixes the colour of the text on it too (black on light colours), so
+// that a dark desktop palette never puts light text on it; a system colour
+// brings back the system colours of both.
 void setBackColor(QWidget* w, quint32 bgr);
+// The text colour that reads best on `back` (black or white), and the one of
+// disabled text on it.
+QColor textColourOn(const QColor& back);
+QColor disabledTextColourOn(const QColor& back);
 // The value last given by setBackColor (the system colour when none was).
 quint32 backColor(const QWidget* w);
 // The back colour as the widget's palette paints it.

@@ -7,6 +7,7 @@
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -48,10 +49,10 @@ frmproperties::frmproperties() {
     txtdate_ = addRow(frame2, form2, "txtdate", "Date of sampling :");
     txtlocation_ = addRow(frame2, form2, "txtlocation", "Location name :");
 
-    auto* ok = new QPushButton("OK", this);
+    auto* ok = cmdOK_ = new QPushButton("OK", this);
     ok->setObjectName("cmdOK");
     ok->setDefault(true);
-    auto* cancel = new QPushButton("Cancel", this);
+    auto* cancel = cmdCancel_ = new QPushButton("Cancel", this);
     cancel->setObjectName("cmdCancel");
     connect(ok, &QPushButton::clicked, this, &frmproperties::cmdOK_Click);
     connect(cancel, &QPushButton::clicked, this, &frmproperties::cmdCancel_Click);
@@ -123,6 +124,21 @@ void frmproperties::cmdOK_Click() {
 
 void frmproperties::cmdCancel_Click() {
     close();
+}
+
+void frmproperties::keyPressEvent(QKeyEvent* event) {
+    const bool plain = event->modifiers() == Qt::NoModifier ||
+                       (event->modifiers() == Qt::KeypadModifier && event->key() == Qt::Key_Enter);
+    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)) {
+        auto* focused = qobject_cast<QPushButton*>(focusWidget());
+        (focused && focused->isEnabled() ? focused : cmdOK_)->click();
+        return;
+    }
+    if (plain && event->key() == Qt::Key_Escape) {
+        cmdCancel_->click();
+        return;
+    }
+    SingleWindow::keyPressEvent(event);
 }
 
 void openPropertiesDialog() {

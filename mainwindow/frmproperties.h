@@ -8,7 +8,9 @@
 #include <QString>
 #include <QWidget>
 
+class QKeyEvent;
 class QLineEdit;
+class QPushButton;
 
 namespace velmora {
 
@@ -26,9 +28,16 @@ public slots:
     void cmdOK_Click();
     void cmdCancel_Click();
 
+protected:
+    // As in any dialog: Enter presses the focused button, else the default
+    // one (OK); Escape presses Cancel.
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     friend SingleWindow;
     frmproperties();
+    QPushButton* cmdOK_ = nullptr;
+    QPushButton* cmdCancel_ = nullptr;
     QLineEdit* txtname_ = nullptr;
     QLineEdit* txtfamily_ = nullptr;
     QLineEdit* txtorgan_ = nullptr;

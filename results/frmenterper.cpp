@@ -1,5 +1,6 @@
 #include "results/frmenterper.h"
 
+#include "mainwindow/formsupport.h"
 #include "platform/platform.h"
 
 #include <QPalette>
@@ -30,9 +31,12 @@ frmenterper::frmenterper() {
     text1_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     text1_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     text1_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // Blue text on the tooltip colour, active or not.
+    // Blue text on the tooltip colour, active or not; on a dark desktop's
+    // tooltip colour the blue would not read, so a light one stands in.
+    QColor base = QToolTip::palette().color(QPalette::ToolTipBase);
+    if (textColourOn(base) != QColor(Qt::black)) base = QColor(255, 255, 225);
     QPalette pal = text1_->palette();
-    pal.setColor(QPalette::Base, QToolTip::palette().color(QPalette::ToolTipBase));
+    pal.setColor(QPalette::Base, base);
     pal.setColor(QPalette::Text, QColor(0, 0, 255));
     text1_->setPalette(pal);
 }

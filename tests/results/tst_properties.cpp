@@ -58,6 +58,8 @@ private slots:
     void readersSeeTheDialogsBoxes();
     void newEmptiesMainBoxesButKeepsDialog();
     void placement();
+    void keys_data();
+    void keys();
 };
 
 void TestProperties::design() {
@@ -228,6 +230,50 @@ void TestProperties::placement() {
     frmproperties::instance()->move(5, 5);
     openDialog();
     QCOMPARE(frmproperties::instance()->pos(), QPoint(5, 5));
+}
+
+// As in any dialog: Enter presses the focused button, else the default one
+// (OK); Escape cancels wherever the focus is.
+void TestProperties::keys_data() {
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("accepted");
+    const struct {
+        const char *name, *focus;
+        int key, modifiers;
+        bool accepted;
+    } rows[] = {
+        {"Return in a box", "txtname", Qt::Key_Return, Qt::NoModifier, true},
+        {"keypad Enter in a box", "txtlocation", Qt::Key_Enter, Qt::KeypadModifier, true},
+        {"Return on OK", "cmdOK", Qt::Key_Return, Qt::NoModifier, true},
+        {"Return on Cancel", "cmdCancel", Qt::Key_Return, Qt::NoModifier, false},
+        {"Escape in a box", "txtorgan", Qt::Key_Escape, Qt::NoModifier, false},
+        {"Escape on OK", "cmdOK", Qt::Key_Escape, Qt::NoModifier, false},
+    };
+    for (const auto& r : rows)
+        QTest::newRow(r.name) << r.focus << r.key << r.modifiers << r.accepted;
+}
+
+void TestProperties::keys() {
+    QFETCH(QString, focus);
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    QFETCH(bool, accepted);
+    openDialog();
+    typeIn("txtname", "Ada");
+    QWidget* target = frmproperties::instance()->findChild<QWidget*>(focus);
+    QVERIFY(target);
+    target->setFocus();
+    QTest::keyClick(target, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    if (accepted) {
+        QVERIFY(frmproperties::isLoaded()); // OK hides the dialog
+        QVERIFY(!frmproperties::instance()->isVisible());
+        QCOMPARE(mainBox("txtnam")->text(), "operator name :Ada ");
+    } else {
+        QVERIFY(!frmproperties::isLoaded()); // Cancel unloads it
+        QVERIFY(mainBox("txtnam")->text().isEmpty());
+    }
 }
 
 VELMORA_GUI_TEST_MAIN(TestProperties)

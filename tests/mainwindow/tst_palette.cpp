@@ -1,0 +1,150 @@
+// The program on a dark desktop palette: every box and button whose back
+// colour the program fixes also fixes its text colour, so light text never
+// lands on the light input colours; system colours stay the desktop's.
+#include "mainwindow/formsupport.h"
+#include "mainwindow/frmmain.h"
+#include "results/frmenterper.h"
+#include "results/frmresult.h"
+#include "tests/support/darkpalette.h"
+#include "tests/support/guitest.h"
+#include "tests/support/programfixture.h"
+
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QToolTip>
+
+using namespace velmora;
+using test::contrastRatio;
+
+namespace {
+
+QPalette::ColorRole backRole(const QWidget* w) {
+    return qobject_cast<const QLineEdit*>(w) ? QPalette::Base : QPalette::Button;
+}
+QPalette::ColorRole textRole(const QWidget* w) {
+    return qobject_cast<const QLineEdit*>(w) ? QPalette::Text : QPalette::ButtonText;
+}
+
+// The main window's boxes and buttons with a fixed (not system) back colour.
+QList<QWidget*> fixedColourControls(frmMain* m) {
+    QList<QWidget*> found;
+    for (QWidget* w : m->findChildren<QWidget*>())
+        if ((qobject_cast<QLineEdit*>(w) || qobject_cast<QAbstractButton*>(w)) &&
+            !(backColor(w) & 0x80000000u))
+            found << w;
+    return found;
+}
+
+} // namespace
+
+class PaletteTest : public test::ProgramTest {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QApplication::setPalette(test::darkPalette());
+        QToolTip::setPalette(test::darkPalette());
+    }
+
+    void textColourOn_data() {
+        QTest::addColumn<QColor>("back");
+        QTest::addColumn<QColor>("text");
+        QTest::newRow("white") << QColor(Qt::white) << QColor(Qt::black);
+        QTest::newRow("cyan") << QColor(0, 255, 255) << QColor(Qt::black);
+        QTest::newRow("pure red") << QColor(255, 0, 0) << QColor(Qt::black);
+        QTest::newRow("navy") << QColor(0, 0, 128) << QColor(Qt::white);
+        QTest::newRow("black") << QColor(Qt::black) << QColor(Qt::white);
+    }
+    void textColourOn() {
+        QFETCH(QColor, back);
+        QFETCH(QColor, text);
+        QCOMPARE(velmora::textColourOn(back), text);
+        // disabled text is dimmer, yet still apart from the back colour
+        const double enabled = contrastRatio(text, back);
+        const double disabled = contrastRatio(disabledTextColourOn(back), back);
+        QVERIFY2(disabled < enabled && disabled >= 2.5, qPrintable(QString::number(disabled)));
+    }
+
+    // Under each ionic strength equation (each colours the boxes its own
+    // way), and with the accuracy button coloured by the test's verdict.
+    void fixedColoursCarryReadableText_data() {
+        QTest::addColumn<QString>("equation");
+        QTest::addColumn<uint>("accuracy");
+        QTest::newRow("Langelier") << "lang" << uint(vb::ButtonFace);
+        QTest::newRow("Russell") << "rus" << uint(vb::ButtonFace);
+        QTest::newRow("Lewis and Randall") << "lewis" << uint(vb::ButtonFace);
+        QTest::newRow("analysis acceptable") << "lewis" << uint(vb::Green);
+        QTest::newRow("analysis unacceptable") << "lewis" << uint(vb::Red);
+    }
+    void fixedColoursCarryReadableText() {
+        QFETCH(QString, equation);
+        QFETCH(uint, accuracy);
+        chooseEquation(equation);
+        if (!(accuracy & 0x80000000u)) setBackColor(m_->cmdaccuracy, accuracy);
+        const QList<QWidget*> controls = fixedColourControls(m_);
+        QVERIFY(controls.size() >= 10);
+        for (QWidget* w : controls) {
+            const QPalette& p = w->palette();
+            const QColor back = p.color(backRole(w));
+            for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive}) {
+                const double ratio = contrastRatio(p.color(g, textRole(w)), back);
+                QVERIFY2(ratio >= 4.5, qPrintable(w->objectName() + QString(" %1").arg(ratio)));
+            }
+            const double dim = contrastRatio(p.color(QPalette::Disabled, textRole(w)), back);
+            QVERIFY2(dim >= 2.5, qPrintable(w->objectName() + QString(" disabled %1").arg(dim)));
+        }
+    }
+
+    // What the screen shows: the pixels the typed digits change in a cyan
+    // box are darker than the box.
+    void typedTextIsPaintedDark() {
+        QLineEdit* t = m_->txtt;
+        QCOMPARE(backColor(t), vb::Cyan);
+        const QImage empty = t->grab().toImage();
+        test::typeInto(t, "88");
+        const QImage typed = t->grab().toImage();
+        QCOMPARE(typed.size(), empty.size());
+        const int backGray = qGray(t->palette().color(QPalette::Base).rgb());
+        int changed = 0, darker = 0;
+        for (int y = 0; y < typed.height(); ++y)
+            for (int x = 0; x < typed.width(); ++x)
+                if (typed.pixel(x, y) != empty.pixel(x, y)) {
+                    ++changed;
+                    if (qGray(typed.pixel(x, y)) < backGray - 60) ++darker;
+                }
+        QVERIFY2(changed > 10 && darker * 2 > changed,
+                 qPrintable(QString("%1 of %2").arg(darker).arg(changed)));
+    }
+
+    // A box or button given back its system colour has the desktop's text
+    // colour again.
+    void systemColourBringsBackSystemText() {
+        QPushButton* b = m_->cmdaccuracy;
+        setBackColor(b, vb::Red);
+        setBackColor(b, vb::ButtonFace);
+        const QPalette dark = test::darkPalette();
+        for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            QCOMPARE(b->palette().color(g, QPalette::Button), dark.color(g, QPalette::Button));
+            QCOMPARE(b->palette().color(g, QPalette::ButtonText),
+                     dark.color(g, QPalette::ButtonText));
+        }
+    }
+
+    // The interpretation's blue text keeps a light back colour when the
+    // desktop's tooltips are dark.
+    void interpretationTextReads() {
+        test::typeWorkedSample(m_);
+        test::click(m_->cmdread);
+        test::click(m_->cmdcalc);
+        test::click(m_->cmdshow);
+        test::click(frmresult::instance()->findChild<QPushButton*>("cmdri"));
+        QVERIFY(frmenterper::isLoaded());
+        const QPalette& p = frmenterper::instance()->text1()->palette();
+        QVERIFY(contrastRatio(p.color(QPalette::Text), p.color(QPalette::Base)) >= 4.5);
+    }
+};
+
+VELMORA_GUI_TEST_MAIN(PaletteTest)
+#include "tst_palette.moc"
