@@ -8,31 +8,22 @@
 //   graphs_screenshots OUTPUT_FOLDER
 //
 // Run it under a real display (xvfb-run) or offscreen.
-#include "app/startup.h"
 #include "graphs/frmgraphresult.h"
 #include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
+#include "tests/support/docpictures.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QPushButton>
-#include <QStandardPaths>
-#include <QTest>
 
 #include <cstdio>
 
 using namespace velmora;
 
 namespace {
-
-bool save(QWidget* w, const QString& file) {
-    QTest::qWait(150);
-    const bool ok = w->grab().save(file);
-    std::printf("%s %s\n", ok ? "wrote" : "could not write", qPrintable(file));
-    return ok;
-}
 
 void choose(QComboBox* list, int position) {
     list->setCurrentIndex(position);
@@ -43,16 +34,9 @@ void choose(QComboBox* list, int position) {
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: %s OUTPUT_FOLDER\n", argv[0]);
-        return 2;
-    }
-    // (absolute: the program may change the current folder as it starts)
-    const QDir out(QDir(QString::fromLocal8Bit(argv[1])).absolutePath());
-
-    QStandardPaths::setTestModeEnabled(true);
-    frmMain* main = startProgram();
-    runDemoSample(main);
+    const QDir out = test::pictureFolder(argc, argv);
+    frmMain* main = test::startWithWorkedSample();
+    if (!main) return 1;
     QAction* graphButton = main->toolbarButton(9);
     if (!graphButton || !graphButton->isEnabled()) {
         std::fprintf(stderr, "the sweep of the worked sample was not calculated\n");
@@ -66,7 +50,7 @@ int main(int argc, char** argv) {
     g->cmdaddin->click();
     choose(g->Cmochart, 2);
     choose(g->Cmbin, 0);
-    bool ok = save(g, out.filePath("graph-index.png"));
+    bool ok = test::savePicture(g, out.filePath("graph-index.png"));
     const QString gif = out.filePath("example-chart.gif");
     const bool gifOk =
         saveGif(renderChart(g->ChartSpace1->state(),
@@ -78,9 +62,7 @@ int main(int argc, char** argv) {
     g->cmdremove->click();
     g->cmdaddsp->click();
     choose(g->cmbspecies, 0);
-    ok = save(g, out.filePath("graph-species.png")) && ok;
+    ok = test::savePicture(g, out.filePath("graph-species.png")) && ok;
 
-    QApplication::closeAllWindows();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return ok ? 0 : 1;
+    return test::finishPictures(ok);
 }

@@ -6,10 +6,10 @@
 //   example_report OUTPUT_FOLDER
 //
 // writes OUTPUT_FOLDER/example-report.doc and OUTPUT_FOLDER/example-report.pdf.
-#include "app/startup.h"
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
+#include "tests/support/docpictures.h"
 #include "tests/support/recordingplatform.h"
 
 #include <QAction>
@@ -18,7 +18,6 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStandardPaths>
 
 #include <cstdio>
 
@@ -26,17 +25,11 @@ using namespace velmora;
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: %s OUTPUT_FOLDER\n", argv[0]);
-        return 2;
-    }
-    const QDir out(QString::fromLocal8Bit(argv[1]));
-    QStandardPaths::setTestModeEnabled(true);
+    const QDir out = test::pictureFolder(argc, argv);
     test::RecordingPlatform rec;
     rec.clock = QDateTime::currentDateTime();
-
-    frmMain* main = startProgram();
-    runDemoSample(main);
+    frmMain* main = test::startWithWorkedSample();
+    if (!main) return 1;
     openPropertiesDialog();
     frmproperties* p = frmproperties::instance();
     const std::pair<const char*, const char*> texts[] = {{"txtname", "Ann"},
@@ -54,10 +47,8 @@ int main(int argc, char** argv) {
     rec.printToPdf = out.filePath("example-report.pdf");
     main->mnuFilePrint->trigger();
 
-    QApplication::closeAllWindows();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     const bool ok = QFile::exists(out.filePath("example-report.doc")) &&
                     QFile::exists(out.filePath("example-report.pdf"));
     std::printf("%s\n", ok ? "wrote example-report.doc and example-report.pdf" : "failed");
-    return ok ? 0 : 1;
+    return test::finishPictures(ok);
 }
