@@ -467,6 +467,7 @@ bool CsvReader::readRecord() {
     };
 
     enum class State { FieldStart, Unquoted, Quoted, QuoteInQuoted } state = State::FieldStart;
+    bool crBefore = false; // the last character of a quoted field was a CR
     for (;;) {
         if (pos_ == end_ && !fill()) {
             if (state == State::Quoted) unterminated_ = true;
@@ -504,8 +505,11 @@ bool CsvReader::readRecord() {
         if (state == State::Quoted) {
             if (c == '"') {
                 state = State::QuoteInQuoted;
+                crBefore = false;
             } else {
-                if (c == '\n') ++nextLine_;
+                // a line end inside the field: CR, LF or CRLF, each one line
+                if (c == '\r' || (c == '\n' && !crBefore)) ++nextLine_;
+                crBefore = c == '\r';
                 append(&c, 1);
             }
         } else { // after a quote inside a quoted field
@@ -821,6 +825,7 @@ int commandMain(const std::vector<std::string>& args) {
         output.fd = 1;
         bool toFile = !o.output.empty() && o.output != "-";
         std::string target = o.output;
+        int keepMode = -1; // the mode of the file replaced, if there is one
         if (toFile) {
             outputName = o.output;
             struct stat st;
@@ -833,10 +838,19 @@ int commandMain(const std::vector<std::string>& args) {
                     output.fd = ::open(o.output.c_str(), O_WRONLY | O_CLOEXEC);
                     if (output.fd < 0)
                         throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
-                } else if (char* real = ::realpath(o.output.c_str(), nullptr)) {
-                    // through a symbolic link the file it points to is replaced
-                    target = real;
-                    std::free(real);
+                } else {
+                    // a file the user may not write is not replaced behind
+                    // his back; the replacement keeps the file's mode
+                    if (::faccessat(AT_FDCWD, o.output.c_str(), W_OK, AT_EACCESS) != 0)
+                        throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
+                    if ((st.st_mode & 0222) == 0)
+                        throw UsageError("cannot write " + o.output + ": the file is read-only");
+                    keepMode = st.st_mode & 07777;
+                    if (char* real = ::realpath(o.output.c_str(), nullptr)) {
+                        // through a symbolic link the file it points to is replaced
+                        target = real;
+                        std::free(real);
+                    }
                 }
             }
         }
@@ -853,6 +867,8 @@ int commandMain(const std::vector<std::string>& args) {
                 if (err != EEXIST || attempt > 100)
                     throw UsageError("cannot write " + o.output + ": " + std::strerror(err));
             }
+            if (keepMode >= 0 && ::fchmod(output.fd, static_cast<mode_t>(keepMode)) != 0)
+                throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
         }
 
         FdSource source(input.fd, inputName);

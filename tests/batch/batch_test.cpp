@@ -170,6 +170,31 @@ TEST(CsvReading, LineNumbersAndUnterminatedQuote) {
     EXPECT_TRUE(unterminated);
 }
 
+// A line end inside a quoted field is one line whatever its kind, as it is
+// between records.
+TEST(CsvReading, LineEndsInsideQuotedFieldsAreCountedLikeAnyOther) {
+    struct Case {
+        const char* name;
+        std::string text;
+    };
+    const std::vector<Case> cases = {
+        {"lf", "h\n\"a\nb\"\nc\n\"d\n\ne\"\nf\n"},
+        {"crlf", "h\r\n\"a\r\nb\"\r\nc\r\n\"d\r\n\r\ne\"\r\nf\r\n"},
+        {"cr", "h\r\"a\rb\"\rc\r\"d\r\re\"\rf\r"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{1} << 16}) {
+            StringSource source(c.text, piece);
+            CsvReader reader(source);
+            std::vector<long> lines;
+            while (reader.next())
+                lines.push_back(reader.line());
+            EXPECT_EQ(lines, (std::vector<long>{1, 2, 4, 5, 8}));
+        }
+    }
+}
+
 TEST(CsvReading, LineNumbersCountSkippedBlankOnlyLines) {
     StringSource source("h\n  \n\t\nx\n \r\ny\n");
     CsvReader reader(source);
@@ -1185,6 +1210,31 @@ TEST_F(Command, OutputThroughASymbolicLinkReplacesTheFileItPointsTo) {
     ASSERT_EQ(::lstat(path("link.csv").c_str(), &st), 0);
     EXPECT_TRUE(S_ISLNK(st.st_mode));
     EXPECT_NE(read(path("real.csv")).find("\nworked,0,"), std::string::npos);
+}
+
+// The file replaced keeps its mode; one the user may not write is refused.
+TEST_F(Command, OutputFileKeepsItsModeAndAReadOnlyOneIsRefused) {
+    write(path("in.csv"), kHeader + kWorked);
+    for (mode_t mode : {0600, 0640, 0664}) {
+        SCOPED_TRACE(mode);
+        const std::string target = path("result.csv");
+        write(target, "old\n");
+        ASSERT_EQ(::chmod(target.c_str(), mode), 0);
+        EXPECT_EQ(run("-o '" + target + "' '" + path("in.csv") + "'"), 0);
+        struct stat st;
+        ASSERT_EQ(::stat(target.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 07777, mode);
+        EXPECT_NE(read(target).find("\nworked,0,"), std::string::npos);
+    }
+    const std::string locked = path("locked.csv");
+    write(locked, "keep me\n");
+    ASSERT_EQ(::chmod(locked.c_str(), 0444), 0);
+    EXPECT_EQ(run("-o '" + locked + "' '" + path("in.csv") + "'"), 2);
+    EXPECT_EQ(err().rfind("velmora-calc: cannot write " + locked + ": ", 0), 0u) << err();
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(read(locked), "keep me\n");
+    EXPECT_EQ(files(),
+              (std::vector<std::string>{"in.csv", "locked.csv", "result.csv", "stderr", "stdout"}));
 }
 
 } // namespace
