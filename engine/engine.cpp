@@ -220,9 +220,15 @@ void Engine::ionicactivity(EquationFlags& flags) {
 // Carbonate equilibrium and saturation pH.
 
 void Engine::equilibriumconstants() {
-    prepareanalysis();
     AnalysisRecord& r = rec;
     const int i = sw.ipoint;
+    if (sweeping_) {
+        // everything but the pH's own terms is as the measured point left it
+        sw.alk(i) = swept_.alk;
+        pointfractions(i, swept_.k1k2);
+        return;
+    }
+    prepareanalysis();
 
     const double dt = F(r.tk - 298.15, "temperature correction");
     const double rt = F(r.tk * kRT25, "temperature correction");
@@ -252,9 +258,20 @@ void Engine::equilibriumconstants() {
     r.pcks = -Log10(r.cks, "pcks");
     r.pca = -Log10(r.mca, "pCa (calcium)");
 
+    const double k1k2 = F(r.ck1 * r.ck2, "ionisation fractions");
+    swept_.alk = sw.alk(i);
+    swept_.k1k2 = k1k2;
+    pointfractions(i, k1k2);
+}
+
+void Engine::pointfractions(int i, double k1k2) {
+    const AnalysisRecord& r = rec;
+    if (sweeping_) {
+        sw.ch(i) = Pow10(-sw.ph(i), "hydrogen-ion concentration");
+        sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");
+    }
     const double h = sw.ch(i);
     const double h2 = F(h * h, "ionisation fractions");
-    const double k1k2 = F(r.ck1 * r.ck2, "ionisation fractions");
     sw.a0(i) = D(1, F(1 + D(r.ck1, h, "a0") + D(k1k2, h2, "a0"), "a0"), "a0");
     sw.a1(i) = D(1, F(D(h, r.ck1, "a1") + 1 + D(r.ck2, h, "a1"), "a1"), "a1");
     sw.a2(i) = D(1, F(D(h2, k1k2, "a2") + D(h, r.ck2, "a2") + 1, "a2"), "a2");
@@ -299,9 +316,12 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
     sw.palk(i) = -Log10(sw.alkt(i), "pAlk (alkalinity)");
 
     // saturation pH; the activity term is added as log lanm
-    sw.phs(i) = F(F(F(r.pck2 + r.pca, "saturation pH") - r.pcks + sw.palk(i), "saturation pH") -
-                      -Log10(r.lanm, "saturation pH (activity)"),
-                  "saturation pH");
+    if (!sweeping_) {
+        swept_.phsBase = F(r.pck2 + r.pca, "saturation pH") - r.pcks;
+        swept_.logLanm = -Log10(r.lanm, "saturation pH (activity)");
+    }
+    sw.phs(i) =
+        F(F(swept_.phsBase + sw.palk(i), "saturation pH") - swept_.logLanm, "saturation pH");
 
     // the eight indices
     const double ph = sw.ph(i);
@@ -312,7 +332,7 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
         F(1.465 * Log10(sw.alkmg(i), "equilibrium pH (alkalinity)") + 4.54, "equilibrium pH");
     sw.por(i) = F(2 * sw.phs(i) - sw.pheq(i), "Puckorius index");
     sw.alkeq(i) = F(sw.alkmg(i) / 50045, "alkalinity (eq/L)");
-    r.cahard = F(r.ca * 50 / 20.04, "calcium hardness");
+    if (!sweeping_) r.cahard = F(r.ca * 50 / 20.04, "calcium hardness");
     sw.co3dfi(i) = F(sw.co3(i) * 30 / 60, "driving force index");
     sw.dfi(i) = D(F(r.mca * sw.co3dfi(i), "driving force index"), r.cks, "driving force index");
 
@@ -332,15 +352,17 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
                        "aggressiveness index (alkalinity x calcium hardness)") +
                      ph,
                  "aggressiveness index");
-    sw.clmeq = F(r.cl / 35.453, "chloride (meq/L)");
-    sw.so4meq = F(r.so4 / (96.061 / 2), "sulphate (meq/L)");
+    if (!sweeping_) {
+        sw.clmeq = F(r.cl / 35.453, "chloride (meq/L)");
+        sw.so4meq = F(r.so4 / (96.061 / 2), "sulphate (meq/L)");
+    }
     sw.hco3meq(i) = F(sw.hco3(i) * 61000 / 61, "bicarbonate (meq/L)");
-    sw.lr(i) = D(F(sw.so4meq + sw.clmeq, "Larson-Skold index"), sw.hco3meq(i),
-                 "Larson-Skold index (bicarbonate)");
-    sw.sl(i) = D(F(F(r.land * r.mca, "saturation level") *
-                       F(r.land * sw.co3(i) * 30 / 50, "saturation level"),
-                   "saturation level"),
-                 r.cks, "saturation level");
+    if (!sweeping_) swept_.lrSum = F(sw.so4meq + sw.clmeq, "Larson-Skold index");
+    sw.lr(i) = D(swept_.lrSum, sw.hco3meq(i), "Larson-Skold index (bicarbonate)");
+    if (!sweeping_) swept_.landMca = F(r.land * r.mca, "saturation level");
+    sw.sl(i) = D(
+        F(swept_.landMca * F(r.land * sw.co3(i) * 30 / 50, "saturation level"), "saturation level"),
+        r.cks, "saturation level");
 
     if (observer_) observer_->pointCompleted(in.sweepChecked);
 }
@@ -476,6 +498,14 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
         // a point past the end of the arrays stops the sweep long before
         // the 16-bit point counter could run out
         sw.ipoint = 1; // an empty sweep leaves the counter at its start
+        // The analysis does not change during the sweep: what does not depend
+        // on pH is taken from the measured point, computed there by the same
+        // operations (and with its errors, which would have stopped the run).
+        struct Sweeping {
+            bool& flag;
+            ~Sweeping() { flag = false; }
+        } sweeping{sweeping_};
+        sweeping_ = true;
         for (int p = 1; p <= n; ++p) {
             sw.ipoint = static_cast<std::int16_t>(p);
             try {

@@ -172,7 +172,18 @@ public:
     void copyMeasuredPoint();
 
 private:
+    // The hydrogen and hydroxide of point i (during a sweep) and its
+    // ionisation fractions.
+    void pointfractions(int i, double k1k2);
+
     EngineObserver* observer_ = nullptr;
+    // The terms of a point that do not depend on pH, kept from the last point
+    // computed in full; during a sweep the points take them from there.
+    struct PhIndependent {
+        double alk = 0, k1k2 = 0, phsBase = 0, logLanm = 0, lrSum = 0, landMca = 0;
+    };
+    PhIndependent swept_;
+    bool sweeping_ = false;
 };
 
 // The single engine of the program.
