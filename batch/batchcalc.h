@@ -9,7 +9,9 @@
 #include "options/optionstate.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,8 +36,14 @@ struct Options {
     std::string sweepStart, sweepIncrement, sweepSteps; // the three box texts
     std::string input = "-";                            // "-": standard input
     std::string output;                                 // empty: standard output
+    int jobs = 0;                                       // workers; 0: one per core
+    bool quiet = false;                                 // no progress report
     bool help = false;
 };
+
+// The number of cores the process may run on (at least 1): the default of
+// --jobs.
+int defaultJobs();
 
 // The command line without the program name. Checks the sweep as the Options
 // dialog checks its boxes and its Apply; throws UsageError with the message
@@ -111,6 +119,26 @@ public:
 };
 
 // ---------------------------------------------------------------------------
+// One record as read: the text of its kept fields back to back and where
+// each ends, and what the reader found wrong with it.
+struct RecordView {
+    const char* text = nullptr;
+    const std::size_t* ends = nullptr; // end of each kept field, counted from text
+    std::size_t kept = 0;              // fields kept
+    std::size_t count = 0;             // fields in all
+    std::size_t malformedField = 0;    // field with text after its closing quote, from 1
+    long line = 0;
+    bool tooLong = false, unterminated = false;
+
+    std::string_view field(std::size_t i) const {
+        const std::size_t begin = i == 0 ? 0 : ends[i - 1];
+        return {text + begin, ends[i] - begin};
+    }
+    // The text of the kept fields.
+    std::size_t textSize() const { return kept == 0 ? 0 : ends[kept - 1]; }
+};
+
+// ---------------------------------------------------------------------------
 // RFC 4180 reading, one record at a time: quoted fields with doubled quotes,
 // commas and line ends inside; CRLF, LF or CR line ends; a UTF-8 byte-order
 // mark at the start is dropped; empty lines and lines of nothing but blanks
@@ -147,6 +175,11 @@ public:
     // number, counted from 1.
     bool malformed() const { return malformedField_ != 0; }
     std::size_t malformedField() const { return malformedField_; }
+    // The record just read, valid until the next one is.
+    RecordView view() const {
+        return {text_.data(),    ends_.data(), keptFieldCount(), fieldCount(),
+                malformedField_, line_,        tooLong_,         unterminated_};
+    }
 
 private:
     bool fill();
@@ -230,9 +263,21 @@ public:
     // open or has text after a closing quote.
     void setHeader(const CsvReader& header);
 
+    // Takes the columns another calculator read from the header.
+    void adoptColumns(const Calculator& other) {
+        column_ = other.column_;
+        fieldCount_ = other.fieldCount_;
+    }
+
     // Computes one record and appends its output rows to `out`. Returns true
     // when a message row was written.
-    bool processRecord(const CsvReader& record, OutputBuffer& out);
+    bool processRecord(const RecordView& record, OutputBuffer& out);
+    bool processRecord(const CsvReader& record, OutputBuffer& out) {
+        return processRecord(record.view(), out);
+    }
+
+    // Output rows a sample writes at most.
+    int rowsPerSample() const { return touched_ + 1; }
 
 private:
     struct Collector : EngineObserver {
@@ -247,9 +292,13 @@ private:
     };
 
     void freshProgram();
-    [[gnu::cold, gnu::noinline]] void badRecordRow(const CsvReader& record, std::string_view sample,
+    [[gnu::cold, gnu::noinline]] void
+    badRecordRow(const RecordView& record, std::string_view sample, OutputBuffer& out) const;
+    [[gnu::cold, gnu::noinline]] bool rejectedCell(BoxCheck check, std::string_view sample,
                                                    OutputBuffer& out) const;
-    void pointRow(std::string_view sample, int point, OutputBuffer& out) const;
+    // The point rows of a computed sample: what is the same in each of them
+    // is written to text once.
+    void pointRows(std::string_view sample, int last, OutputBuffer& out);
     void messageRow(std::string_view sample, const std::string& point, std::string_view text,
                     bool balance, OutputBuffer& out) const;
 
@@ -261,13 +310,53 @@ private:
     std::size_t fieldCount_ = 0;
     Engine engine_;
     Collector collector_;
-    AnalysisTexts texts_;
+    AnalysisValues values_;    // the row's cells as numbers
+    WindowInputs in_;          // what the engine reads from the windows
+    OutputBuffer head_, tail_; // a sample's text before the point, after the co3 column
 };
 
-// Reads the header and every record from `in`, writes the output to `out`.
-// Returns 0 when no message row was written, 1 when one was. Throws
-// UsageError for a missing or bad header and for input/output failures.
-int runBatch(const Options& options, ByteSource& in, ByteSink& out);
+// ---------------------------------------------------------------------------
+// Told how far the run is each time output has been written.
+class ProgressSink {
+public:
+    virtual ~ProgressSink() = default;
+    // `rows` input rows are done, `inputBytes` of the input read for them.
+    virtual void advance(std::uint64_t rows, std::uint64_t inputBytes) = 0;
+};
+
+// The one-line report on a terminal: rows done, rows per second and the
+// percentage of the input when its size is known, refreshed in place on
+// `fd` once the run has lasted a second, and cleared at the end. Writes
+// nothing at all when `fd` is not a terminal.
+class TerminalProgress : public ProgressSink {
+public:
+    using Clock = std::function<double()>; // seconds, from any start
+
+    // totalBytes 0: the size of the input is not known.
+    TerminalProgress(int fd, std::uint64_t totalBytes, Clock clock = {});
+    ~TerminalProgress() override { finish(); }
+    TerminalProgress(const TerminalProgress&) = delete;
+    TerminalProgress& operator=(const TerminalProgress&) = delete;
+
+    void advance(std::uint64_t rows, std::uint64_t inputBytes) override;
+    // Clears the report line if one was written.
+    void finish();
+
+private:
+    int fd_;
+    bool terminal_;
+    std::uint64_t total_;
+    Clock clock_;
+    double start_, last_ = -1;
+    bool shown_ = false;
+};
+
+// Reads the header and every record from `in`, writes the output to `out`,
+// with options.jobs workers (0: defaultJobs()). Returns 0 when no message
+// row was written, 1 when one was. Throws UsageError for a missing or bad
+// header and for input/output failures.
+int runBatch(const Options& options, ByteSource& in, ByteSink& out,
+             ProgressSink* progress = nullptr);
 
 // The whole command: arguments without the program name; standard input,
 // output and error are file descriptors 0, 1 and 2. Returns the exit status.

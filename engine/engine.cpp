@@ -392,7 +392,7 @@ void Engine::ionbalance(const EquationFlags& flags, const WindowInputs& in) {
         // carbonate or bicarbonate not entered: from the alkalinity at point 1
         auto carbonateAtPoint1 = [&]() {
             sw.ipoint = 1;
-            const auto ph = fmt::strictNumber(in.phText);
+            const auto ph = in.phValue ? in.phValue : fmt::strictNumber(in.phText);
             if (!ph)
                 throw EngineError(EngineError::Kind::BadConversion,
                                   "the pH text \"" + in.phText + "\" is not a number");
@@ -469,21 +469,22 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
     }
 
     if (in.sweepChecked) {
-        auto strict = [](const std::string& text, const char* box) {
-            const auto v = fmt::strictNumber(text);
+        auto strict = [](const std::optional<double>& read, const std::string& text,
+                         const char* box) {
+            const auto v = read ? read : fmt::strictNumber(text);
             if (!v)
                 throw EngineError(EngineError::Kind::BadConversion,
                                   std::string("the ") + box + " \"" + text + "\" is not a number");
             return *v;
         };
-        sw.phstart = strict(in.initialText, "start pH");
-        sw.phincrement = strict(in.incrementText, "pH increment");
-        sw.phsteps = strict(in.stepText, "number of steps");
+        sw.phstart = strict(in.initialValue, in.initialText, "start pH");
+        sw.phincrement = strict(in.incrementValue, in.incrementText, "pH increment");
+        sw.phsteps = strict(in.stepValue, in.stepText, "number of steps");
     }
 
     // the measured point, into element 1 and copied to element 0
     sw.ipoint = 1;
-    sw.ph(1) = F(fmt::leadingNumber(in.phText), "measured pH");
+    sw.ph(1) = F(in.phValue ? *in.phValue : fmt::leadingNumber(in.phText), "measured pH");
     sw.ph(0) = sw.ph(1);
     computepoint(flags, in);
     copyMeasuredPoint();

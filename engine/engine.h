@@ -111,6 +111,11 @@ struct WindowInputs {
     std::string initialText;   // Options dialog, txtinitialph
     std::string incrementText; // Options dialog, txtincrementph
     std::string stepText;      // Options dialog, txtstep
+    // The numbers of the texts above when the caller has read them already
+    // (the batch calculator reads each cell once): the engine uses them
+    // instead of reading the texts again. Each is set only for a text that
+    // is wholly a number (surrounding blanks allowed), and is its value.
+    std::optional<double> phValue, initialValue, incrementValue, stepValue;
 };
 
 enum class MessageIcon { None, Information, Warning, Critical };

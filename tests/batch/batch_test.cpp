@@ -4,13 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <pty.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -780,6 +784,79 @@ TEST(BatchRows, WithoutSampleColumnTheSampleIsEmpty) {
     EXPECT_EQ(r.rows[0][kPoint], "0");
 }
 
+// The output of several workers is byte for byte that of one, with the same
+// exit status, on inputs of every kind: message rows, malformed rows, quoted
+// fields, CRLF, sweeps, shorter than a chunk, many chunks, empty.
+TEST(BatchRows, OutputIsTheSameWithAnyNumberOfWorkers) {
+    // a sample of each kind, in turn: computed, rejected cell, Read Data
+    // message, run-time error, quoted identifier, wrong field count, text
+    // after a closing quote, bad pH, a line end inside a quoted field
+    const std::vector<std::string> kinds = {
+        "w%d,25,7.5,200,80,400,24,50,60\n",
+        "bad%d,25,7.5,abc,80,400,24,50,60\n",
+        "missing%d,,7.5,200,80,400,24,50,60\n",
+        "zero%d,25,7.5,200,0,400,,,\n",
+        "\"q,\"\"%d\"\"\",12,8.1,150,60,300,10,20,30\r\n",
+        "short%d,25,7.5\n",
+        "\"mal\"x%d,25,7.5,200,80,400,24,50,60\n",
+        "ph%d,25,15,200,80,400,24,50,60\n",
+        "\"two\nlines %d\",30,6.9,90,40,250,5,10,20\n",
+    };
+    auto file = [&](int rows) {
+        std::string text = kHeader;
+        char line[128];
+        for (int i = 0; i < rows; ++i) {
+            std::snprintf(line, sizeof line,
+                          kinds[static_cast<std::size_t>(i) % kinds.size()].c_str(), i);
+            text += line;
+        }
+        return text;
+    };
+    struct Case {
+        const char* name;
+        std::string input;
+        std::vector<std::string> args;
+    };
+    const std::vector<Case> cases = {
+        {"one_row", file(1), {}},
+        {"shorter_than_a_chunk", file(50), {}},
+        {"many_chunks", file(7000), {}},
+        {"many_chunks_lewis", file(3000), {"--ionic", "lewis", "--larson-skold"}},
+        {"sweep", file(300), {"--sweep", "12.95,-0.05,140"}},
+        {"sweep_short", file(40), {"--sweep", "6.5,0.5,5", "--activity", "davies"}},
+        {"sweep_into_errors", file(200), {"--sweep", "3,-2,140"}},
+        {"header_only", kHeader, {}},
+        {"one_unterminated_row", kHeader + "\"open,25", {}},
+        {"empty", "", {}},
+    };
+    auto outcome = [](const std::string& input, std::vector<std::string> args, int jobs) {
+        args.push_back("--jobs=" + std::to_string(jobs));
+        const Options options = parseCommandLine(args);
+        StringSource source(input, 4096);
+        StringSink sink;
+        try {
+            return std::to_string(runBatch(options, source, sink)) + "\n" + sink.text;
+        } catch (const UsageError& e) {
+            return std::string("usage error: ") + e.what() + "\n" + sink.text;
+        }
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string one = outcome(c.input, c.args, 1);
+        for (int jobs : {2, 7})
+            EXPECT_TRUE(outcome(c.input, c.args, jobs) == one) << jobs << " workers";
+    }
+    // the inputs hold what they are meant to
+    const std::string many = outcome(file(7000), {}, 1);
+    EXPECT_EQ(many.rfind("1\n", 0), 0u); // message rows: exit status 1
+    for (const char* seen :
+         {"You must enter a number!", "run-time error", "fields where the header has",
+          "has text after its closing quote", "pH must be a positive", "\"q,\"\"4\"\"\",0,"}) {
+        EXPECT_NE(many.find(seen), std::string::npos) << seen;
+    }
+    EXPECT_EQ(outcome("", {}, 2), "usage error: the input has no header row\n");
+}
+
 TEST(BatchRows, OutputIsTheSameHoweverTheInputIsSplit) {
     std::ifstream f(VELMORA_EXAMPLES "/waters.csv", std::ios::binary);
     std::stringstream ss;
@@ -839,6 +916,16 @@ TEST(BatchCommandLine, Options) {
     // cannot be opened)
     EXPECT_EQ(parseCommandLine({}).input, "-");
     EXPECT_EQ(parseCommandLine({""}).input, "");
+    // workers: one per core unless told; the four spellings
+    EXPECT_EQ(parseCommandLine({}).jobs, 0);
+    EXPECT_GE(defaultJobs(), 1);
+    for (const auto& args : std::vector<std::vector<std::string>>{
+             {"--jobs", "3"}, {"--jobs=3"}, {"-j", "3"}, {"-j3"}, {"-j=3"}}) {
+        EXPECT_EQ(parseCommandLine(args).jobs, 3) << args[0];
+    }
+    EXPECT_TRUE(parseCommandLine({"-q"}).quiet);
+    EXPECT_TRUE(parseCommandLine({"--quiet"}).quiet);
+    EXPECT_FALSE(parseCommandLine({}).quiet);
 }
 
 // With --help the rest of the command line is not checked, wherever it stands.
@@ -929,6 +1016,12 @@ TEST(BatchCommandLine, UsageErrors) {
          {"--sweep", "7,2,5"},
          "--sweep: Step numbers must be less than 5 , 3 is better."},
         {"sweep_start_14", {"--sweep", "14,0.5,3"}, "--sweep: pH should not be more than 14"},
+        {"jobs_zero", {"--jobs", "0"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_text", {"-j", "two"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_too_many", {"-j257"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_fraction", {"--jobs=1.5"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_missing", {"--jobs"}, "option \"--jobs\" needs a value"},
+        {"quiet_with_value", {"--quiet=yes"}, "option \"--quiet\" takes no value"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -1144,15 +1237,19 @@ std::string manySamples(int rows) {
 
 TEST_F(Command, AReaderThatGoesAwayIsAWriteError) {
     write(path("in.csv"), manySamples(200));
-    // the status of velmora-calc itself, not of head
-    const std::string cmd = "( '" + std::string(VELMORA_CALC) + "' --sweep 7,0,140 '" +
-                            path("in.csv") + "' 2> '" + path("stderr") + "'; echo $? > '" +
-                            path("status") + "' ) | head -c 10 > '" + path("stdout") + "'";
-    ASSERT_EQ(std::system(cmd.c_str()), 0);
-    EXPECT_EQ(read(path("status")), "2\n"); // not 141: no death by SIGPIPE
-    EXPECT_EQ(out(), std::string(kOutputHeader).substr(0, 10));
-    EXPECT_EQ(err(), "velmora-calc: cannot write standard output: " +
-                         std::string(std::strerror(EPIPE)) + "\n");
+    for (const char* jobs : {"1", "2", "7"}) {
+        SCOPED_TRACE(jobs);
+        // the status of velmora-calc itself, not of head
+        const std::string cmd = "( '" + std::string(VELMORA_CALC) + "' --jobs " + jobs +
+                                " --sweep 7,0,140 '" + path("in.csv") + "' 2> '" + path("stderr") +
+                                "'; echo $? > '" + path("status") + "' ) | head -c 10 > '" +
+                                path("stdout") + "'";
+        ASSERT_EQ(std::system(cmd.c_str()), 0);
+        EXPECT_EQ(read(path("status")), "2\n"); // not 141: no death by SIGPIPE
+        EXPECT_EQ(out(), std::string(kOutputHeader).substr(0, 10));
+        EXPECT_EQ(err(), "velmora-calc: cannot write standard output: " +
+                             std::string(std::strerror(EPIPE)) + "\n");
+    }
 }
 
 TEST_F(Command, AFailedWriteLeavesTheOutputFileUntouched) {
@@ -1235,6 +1332,76 @@ TEST_F(Command, OutputFileKeepsItsModeAndAReadOnlyOneIsRefused) {
     EXPECT_EQ(read(locked), "keep me\n");
     EXPECT_EQ(files(),
               (std::vector<std::string>{"in.csv", "locked.csv", "result.csv", "stderr", "stdout"}));
+}
+
+// The progress report: only on a terminal, only after a second, cleared at
+// the end.
+TEST(Progress, OnlyOnATerminalAndAfterASecond) {
+    double now = 0;
+    auto clock = [&now] { return now; };
+    auto drain = [](int fd) {
+        std::string text;
+        char buf[4096];
+        for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;)
+            text.append(buf, static_cast<std::size_t>(n));
+        return text;
+    };
+    // a pipe is not a terminal: nothing, however long the run
+    int pipeFds[2];
+    ASSERT_EQ(::pipe2(pipeFds, O_NONBLOCK), 0);
+    {
+        TerminalProgress progress(pipeFds[1], 1000, clock);
+        for (int i = 1; i <= 10; ++i) {
+            now = i;
+            progress.advance(100 * i, 100 * i);
+        }
+    }
+    EXPECT_EQ(drain(pipeFds[0]), "");
+    ::close(pipeFds[0]);
+    ::close(pipeFds[1]);
+
+    // a terminal: nothing in the first second, then rows, rate and percentage
+    int master = -1, slave = -1;
+    if (::openpty(&master, &slave, nullptr, nullptr, nullptr) != 0)
+        GTEST_SKIP() << "no pseudo-terminal here";
+    termios raw;
+    ASSERT_EQ(::tcgetattr(slave, &raw), 0);
+    ::cfmakeraw(&raw);
+    ASSERT_EQ(::tcsetattr(slave, TCSANOW, &raw), 0);
+    ::fcntl(master, F_SETFL, O_NONBLOCK);
+    now = 0;
+    {
+        TerminalProgress progress(slave, 1000, clock);
+        now = 0.5;
+        progress.advance(10, 100);
+        EXPECT_EQ(drain(master), "");
+        now = 2;
+        progress.advance(3000, 250);
+        EXPECT_EQ(drain(master), "\rvelmora-calc: 3000 rows, 1500 rows/s, 25%\033[K");
+        now = 2.1; // too soon for another refresh
+        progress.advance(3100, 260);
+        EXPECT_EQ(drain(master), "");
+    }
+    EXPECT_EQ(drain(master), "\r\033[K");
+    now = 2;
+    {
+        TerminalProgress unknownSize(slave, 0, clock);
+        now = 4.5;
+        unknownSize.advance(500, 100);
+        unknownSize.finish();
+    }
+    EXPECT_EQ(drain(master), "\rvelmora-calc: 500 rows, 200 rows/s\033[K\r\033[K");
+    ::close(master);
+    ::close(slave);
+}
+
+// Through the command: standard error a file, nothing but the output.
+TEST_F(Command, NoProgressWhenStandardErrorIsNotATerminal) {
+    write(path("in.csv"), manySamples(400));
+    EXPECT_EQ(run("--jobs 2 --sweep 12.95,-0.05,140 '" + path("in.csv") + "'"), 0);
+    EXPECT_EQ(err(), "");
+    const std::string output = out();
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1 + 400 * 141);
 }
 
 } // namespace
