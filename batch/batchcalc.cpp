@@ -82,7 +82,14 @@ std::string_view trim(std::string_view s) {
 }
 
 void appendField(OutputBuffer& out, std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    // (a loop of its own: find_first_of searches the set for every character)
+    bool plain = true;
+    for (char c : text)
+        if (c == ',' || c == '"' || c == '\r' || c == '\n') {
+            plain = false;
+            break;
+        }
+    if (plain) {
         out.append(text);
         return;
     }
@@ -628,7 +635,9 @@ void Calculator::freshProgram() {
     // a row writes elements 0 to touched_ at most and reads touched_ + 1
     const int last = std::min(touched_ + 1, PointArray::kSize - 1);
     // (the first four elements at least: a fixed size clears them in a store
-    // or two instead of a call for each array)
+    // or two instead of a call for each array; unrolled, each array's place
+    // is a constant)
+#pragma GCC unroll 30
     for (auto a : kArrays) {
         void* elements = static_cast<void*>(&(sw.*a));
         std::memset(elements, 0, 4 * sizeof(double));
@@ -653,6 +662,23 @@ void OutputBuffer::grow(std::size_t need) {
 void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out) {
     const SweepArrays& s = engine_.sw;
     const AnalysisRecord& r = engine_.rec;
+    if (last == 0) { // the measured point alone: nothing repeats
+        appendField(out, sample);
+        out.append(",0");
+        const double values[] = {s.ph(0), s.li(0), s.ri(0), s.por(0),   s.ai(0),   s.dfi(0),
+                                 s.lr(0), s.me(0), s.sl(0), s.phs(0),   s.ch(0),   s.oh(0),
+                                 s.a0(0), s.a1(0), s.a2(0), s.h2co3(0), s.hco3(0), s.co3(0),
+                                 r.ionic, r.lanm,  r.land,  r.lant,     s.ct,      r.sumca,
+                                 r.suman, r.diff};
+        if (flags_.bllewis) {
+            out.appendNumbers(values, std::size(values));
+            out.append(",\n");
+        } else {
+            out.appendNumbers(values, std::size(values) - 3);
+            out.append(",,,,\n");
+        }
+        return;
+    }
     head_.clear();
     appendField(head_, sample);
     head_.append(',');

@@ -4,6 +4,7 @@
 
 #include <cfenv>
 #include <cmath>
+#include <cstring>
 
 namespace velmora {
 
@@ -230,18 +231,30 @@ void Engine::equilibriumconstants() {
     }
     prepareanalysis();
 
-    const double dt = F(r.tk - 298.15, "temperature correction");
-    const double rt = F(r.tk * kRT25, "temperature correction");
-    const ConstantsAt25& at25 = constantsAt25();
-    r.k1 = F(at25.k1 * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
-    r.k2 = F(at25.k2 * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
-    r.kw = F(at25.kw * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
-    r.ks = F(4.8 * at25.ks * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
+    // the constants at this temperature, as computed the last time it was
+    // met (a run of samples meets the same temperatures again and again)
+    std::uint64_t tkBits;
+    std::memcpy(&tkBits, &r.tk, sizeof tkBits);
+    TemperatureConstants& memo =
+        temperatures_[(tkBits * 0x9E3779B97F4A7C15u) >> (64 - kTemperatureBits)];
+    if (memo.known && memo.tkBits == tkBits) {
+        r.k1 = memo.k1, r.k2 = memo.k2, r.kw = memo.kw, r.ks = memo.ks;
+        r.pk1 = memo.pk1, r.pk2 = memo.pk2, r.pkw = memo.pkw, r.pks = memo.pks;
+    } else {
+        const double dt = F(r.tk - 298.15, "temperature correction");
+        const double rt = F(r.tk * kRT25, "temperature correction");
+        const ConstantsAt25& at25 = constantsAt25();
+        r.k1 = F(at25.k1 * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
+        r.k2 = F(at25.k2 * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
+        r.kw = F(at25.kw * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
+        r.ks = F(4.8 * at25.ks * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
 
-    r.pk1 = -Log10(r.k1, "pk1");
-    r.pk2 = -Log10(r.k2, "pk2");
-    r.pkw = -Log10(r.kw, "pkw");
-    r.pks = -Log10(r.ks, "pks");
+        r.pk1 = -Log10(r.k1, "pk1");
+        r.pk2 = -Log10(r.k2, "pk2");
+        r.pkw = -Log10(r.kw, "pkw");
+        r.pks = -Log10(r.ks, "pks");
+        memo = {true, tkBits, r.k1, r.k2, r.kw, r.ks, r.pk1, r.pk2, r.pkw, r.pks};
+    }
 
     sw.ch(i) = Pow10(-sw.ph(i), "hydrogen-ion concentration");
     sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");

@@ -189,6 +189,16 @@ private:
     };
     PhIndependent swept_;
     bool sweeping_ = false;
+    // The equilibrium constants and their logarithms at the temperatures
+    // met, by the bits of the absolute temperature: one computation, the
+    // same numbers.
+    struct TemperatureConstants {
+        bool known = false;
+        std::uint64_t tkBits = 0;
+        double k1 = 0, k2 = 0, kw = 0, ks = 0, pk1 = 0, pk2 = 0, pkw = 0, pks = 0;
+    };
+    static constexpr int kTemperatureBits = 10;
+    TemperatureConstants temperatures_[1 << kTemperatureBits];
 };
 
 // The single engine of the program.
