@@ -428,9 +428,18 @@ std::size_t StringSource::read(char* buf, std::size_t n) {
 bool CsvReader::fill() {
     if (eof_) return false;
     pos_ = 0;
-    end_ = source_.read(buf_.data(), buf_.size());
+    end_ = source_.read(buf_.data(), kBuffer);
     if (end_ == 0) eof_ = true;
     return end_ > 0;
+}
+
+void CsvReader::appendLong(const char* p, std::size_t n) {
+    if (textSize_ + n > kMaxRecord) {
+        tooLong_ = true;
+        n = kMaxRecord - std::min(kMaxRecord, textSize_);
+    }
+    std::memcpy(text_.get() + textSize_, p, n);
+    textSize_ += n;
 }
 
 bool CsvReader::next() {
@@ -448,7 +457,7 @@ void CsvReader::moreFields() {
         ends_.resize(std::min(limit_, std::max<std::size_t>(16, 2 * ends_.size())));
         endsAt_ = ends_.data() + kept;
         endsRoom_ = ends_.data() + ends_.size();
-        *endsAt_++ = text_.size();
+        *endsAt_++ = textSize_;
     } else {
         ++dropped_;
     }
@@ -457,13 +466,13 @@ void CsvReader::moreFields() {
 // A line of blanks and tabs alone, which reads as one unquoted field.
 bool CsvReader::blankOnly() const {
     if (fieldCount() != 1 || quoted_) return false;
-    for (char c : text_)
-        if (c != ' ' && c != '\t') return false;
+    for (const char* p = text_.get(); p != text_.get() + textSize_; ++p)
+        if (*p != ' ' && *p != '\t') return false;
     return true;
 }
 
 bool CsvReader::readRecord() {
-    text_.clear();
+    textSize_ = 0;
     if (ends_.size() > limit_) ends_.resize(limit_);
     endsAt_ = ends_.data();
     endsRoom_ = ends_.data() + ends_.size();
@@ -477,7 +486,7 @@ bool CsvReader::readRecord() {
         started_ = true;
         // enough bytes to recognise a byte-order mark, however the source splits them
         while (end_ < 3 && !eof_) {
-            const std::size_t n = source_.read(buf_.data() + end_, buf_.size() - end_);
+            const std::size_t n = source_.read(buf_.data() + end_, kBuffer - end_);
             if (n == 0) eof_ = true;
             end_ += n;
         }
@@ -504,14 +513,6 @@ bool CsvReader::readRecord() {
         break;
     }
     line_ = nextLine_;
-
-    auto append = [this](const char* p, std::size_t n) {
-        if (text_.size() + n > kMaxRecord) {
-            tooLong_ = true;
-            n = kMaxRecord - std::min(kMaxRecord, text_.size());
-        }
-        text_.append(p, n);
-    };
 
     enum class State { FieldStart, Unquoted, Quoted, QuoteInQuoted } state = State::FieldStart;
     bool crBefore = false; // the last character of a quoted field was a CR
@@ -557,11 +558,11 @@ bool CsvReader::readRecord() {
                 // a line end inside the field: CR, LF or CRLF, each one line
                 if (c == '\r' || (c == '\n' && !crBefore)) ++nextLine_;
                 crBefore = c == '\r';
-                append(&c, 1);
+                append(buf_.data() + pos_ - 1, 1);
             }
         } else { // after a quote inside a quoted field
             if (c == '"') {
-                append(&c, 1);
+                append(buf_.data() + pos_ - 1, 1);
                 state = State::Quoted;
             } else {
                 // the field ends here, or text follows its closing quote
@@ -637,11 +638,13 @@ void Calculator::freshProgram() {
     // (the first four elements at least: a fixed size clears them in a store
     // or two instead of a call for each array; unrolled, each array's place
     // is a constant)
+    if (last < 4) {
 #pragma GCC unroll 30
-    for (auto a : kArrays) {
-        void* elements = static_cast<void*>(&(sw.*a));
-        std::memset(elements, 0, 4 * sizeof(double));
-        if (last >= 4) std::memset(elements, 0, sizeof(double) * (last + 1));
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0, 4 * sizeof(double));
+    } else {
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0, sizeof(double) * (last + 1));
     }
     sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
     sw.phstart = options_.sweep ? applied_.sweep.entry[0] : 0;
@@ -778,9 +781,8 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
             return rejectedCell(check, sample, out);
     }
     // the window inputs of the row: the pH as read, the carbonate pair's boxes
-    in_.phText.assign(column_[kPhColumn] >= 0
-                          ? record.field(static_cast<std::size_t>(column_[kPhColumn]))
-                          : std::string_view());
+    // (the pH text itself is not needed: an empty cell leaves it empty, a
+    // number is given as read)
     in_.phValue.reset();
     if (!values_.ph.empty) in_.phValue = values_.ph.value;
     in_.hco3Empty = values_.hco3.empty;

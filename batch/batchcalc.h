@@ -149,7 +149,8 @@ class CsvReader {
 public:
     static constexpr std::size_t kMaxRecord = 1 << 20; // bytes of field text per record
 
-    explicit CsvReader(ByteSource& source) : source_(source) {}
+    explicit CsvReader(ByteSource& source)
+        : source_(source), text_(new char[kMaxRecord + kSlack]) {}
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
 
@@ -164,7 +165,7 @@ public:
     // Field i of the kept ones.
     std::string_view field(std::size_t i) const {
         const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
-        return std::string_view(text_).substr(begin, ends_[i] - begin);
+        return {text_.get() + begin, ends_[i] - begin};
     }
     long line() const { return line_; }
     // The record held more than kMaxRecord bytes; its text is cut short.
@@ -177,7 +178,7 @@ public:
     std::size_t malformedField() const { return malformedField_; }
     // The record just read, valid until the next one is.
     RecordView view() const {
-        return {text_.data(),    ends_.data(), keptFieldCount(), fieldCount(),
+        return {text_.get(),     ends_.data(), keptFieldCount(), fieldCount(),
                 malformedField_, line_,        tooLong_,         unterminated_};
     }
 
@@ -188,18 +189,34 @@ private:
     void endField() {
         // one test, as a push_back would make
         if (endsAt_ != endsRoom_)
-            *endsAt_++ = text_.size();
+            *endsAt_++ = textSize_;
         else
             moreFields();
     }
     void moreFields();
+    // Appends the n characters at p to the record's text, up to kMaxRecord;
+    // 16 characters from p must be readable.
+    void append(const char* p, std::size_t n) {
+        if (n <= 16 && textSize_ + 16 <= kMaxRecord) {
+            // a short run in two fixed-size copies instead of a call
+            std::memcpy(text_.get() + textSize_, p, 8);
+            std::memcpy(text_.get() + textSize_ + 8, p + 8, 8);
+            textSize_ += n;
+            return;
+        }
+        appendLong(p, n);
+    }
+    void appendLong(const char* p, std::size_t n);
 
+    static constexpr std::size_t kBuffer = 1 << 16;
+    static constexpr std::size_t kSlack = 16; // readable past the end of buf_, text_
     ByteSource& source_;
-    std::vector<char> buf_ = std::vector<char>(1 << 16);
+    std::vector<char> buf_ = std::vector<char>(kBuffer + kSlack);
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false, started_ = false, skipLf_ = false;
     long nextLine_ = 1, line_ = 0;
-    std::string text_;                // field text of the record, fields back to back
+    std::unique_ptr<char[]> text_; // field text of the record, fields back to back
+    std::size_t textSize_ = 0;
     std::vector<std::size_t> ends_;   // room for the kept fields, never more than limit_
     std::size_t* endsAt_ = nullptr;   // past the end of the last kept field in ends_
     std::size_t* endsRoom_ = nullptr; // the end of ends_

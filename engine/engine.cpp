@@ -194,9 +194,14 @@ void Engine::ionicactivity(EquationFlags& flags) {
     }
     if (flags.bldebye) {
         const double s = Sqrt(I, "ionic strength (square root)");
-        r.lanm = Pow10(-(1 * 0.5 * s), "monovalent activity coefficient");
-        r.land = Pow10(-(4 * 0.5 * s), "divalent activity coefficient");
-        r.lant = Pow10(-(9 * 0.5 * s), "trivalent activity coefficient");
+        if (const double* kept = limitingLaw_.find(s)) {
+            r.lanm = kept[0], r.land = kept[1], r.lant = kept[2];
+        } else {
+            r.lanm = Pow10(-(1 * 0.5 * s), "monovalent activity coefficient");
+            r.land = Pow10(-(4 * 0.5 * s), "divalent activity coefficient");
+            r.lant = Pow10(-(9 * 0.5 * s), "trivalent activity coefficient");
+            limitingLaw_.keep({r.lanm, r.land, r.lant});
+        }
     }
     if (flags.bledebye) {
         const double s = Sqrt(I, "ionic strength (square root)");
@@ -233,13 +238,9 @@ void Engine::equilibriumconstants() {
 
     // the constants at this temperature, as computed the last time it was
     // met (a run of samples meets the same temperatures again and again)
-    std::uint64_t tkBits;
-    std::memcpy(&tkBits, &r.tk, sizeof tkBits);
-    TemperatureConstants& memo =
-        temperatures_[(tkBits * 0x9E3779B97F4A7C15u) >> (64 - kTemperatureBits)];
-    if (memo.known && memo.tkBits == tkBits) {
-        r.k1 = memo.k1, r.k2 = memo.k2, r.kw = memo.kw, r.ks = memo.ks;
-        r.pk1 = memo.pk1, r.pk2 = memo.pk2, r.pkw = memo.pkw, r.pks = memo.pks;
+    if (const double* k = temperatures_.find(r.tk)) {
+        r.k1 = k[0], r.k2 = k[1], r.kw = k[2], r.ks = k[3];
+        r.pk1 = k[4], r.pk2 = k[5], r.pkw = k[6], r.pks = k[7];
     } else {
         const double dt = F(r.tk - 298.15, "temperature correction");
         const double rt = F(r.tk * kRT25, "temperature correction");
@@ -253,10 +254,10 @@ void Engine::equilibriumconstants() {
         r.pk2 = -Log10(r.k2, "pk2");
         r.pkw = -Log10(r.kw, "pkw");
         r.pks = -Log10(r.ks, "pks");
-        memo = {true, tkBits, r.k1, r.k2, r.kw, r.ks, r.pk1, r.pk2, r.pkw, r.pks};
+        temperatures_.keep({r.k1, r.k2, r.kw, r.ks, r.pk1, r.pk2, r.pkw, r.pks});
     }
 
-    sw.ch(i) = Pow10(-sw.ph(i), "hydrogen-ion concentration");
+    sw.ch(i) = hydrogen(sw.ph(i));
     sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");
 
     const double lanm2 = F(r.lanm * r.lanm, "activity correction");
@@ -277,10 +278,17 @@ void Engine::equilibriumconstants() {
     pointfractions(i, k1k2);
 }
 
+double Engine::hydrogen(double ph) {
+    if (const double* h = hydrogen_.find(ph)) return *h;
+    const double h = Pow10(-ph, "hydrogen-ion concentration");
+    hydrogen_.keep({h});
+    return h;
+}
+
 void Engine::pointfractions(int i, double k1k2) {
     const AnalysisRecord& r = rec;
     if (sweeping_) {
-        sw.ch(i) = Pow10(-sw.ph(i), "hydrogen-ion concentration");
+        sw.ch(i) = hydrogen(sw.ph(i));
         sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");
     }
     const double h = sw.ch(i);
@@ -474,7 +482,7 @@ void Engine::copyMeasuredPoint() {
 
 CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in) {
     CalcOutcome out;
-    if (!in.sweepChecked && in.phText.empty()) {
+    if (!in.sweepChecked && !in.phValue && in.phText.empty()) {
         if (observer_)
             observer_->message("you Should enter TDS,T,pH,Mg,Ca and Alk values at least !",
                                "Velmora", MessageIcon::None);

@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -113,8 +114,9 @@ struct WindowInputs {
     std::string stepText;      // Options dialog, txtstep
     // The numbers of the texts above when the caller has read them already
     // (the batch calculator reads each cell once): the engine uses them
-    // instead of reading the texts again. Each is set only for a text that
-    // is wholly a number (surrounding blanks allowed), and is its value.
+    // instead of reading the texts again, which may then be left empty. Each
+    // is set only for a text that is wholly a number (surrounding blanks
+    // allowed), and is its value.
     std::optional<double> phValue, initialValue, incrementValue, stepValue;
 };
 
@@ -189,16 +191,44 @@ private:
     };
     PhIndependent swept_;
     bool sweeping_ = false;
-    // The equilibrium constants and their logarithms at the temperatures
-    // met, by the bits of the absolute temperature: one computation, the
-    // same numbers.
-    struct TemperatureConstants {
-        bool known = false;
-        std::uint64_t tkBits = 0;
-        double k1 = 0, k2 = 0, kw = 0, ks = 0, pk1 = 0, pk2 = 0, pkw = 0, pks = 0;
+    // Values that depend on one number alone, kept by the bits of that number
+    // the first time they are computed (a run of samples meets the same
+    // temperatures, pH values and ionic strengths again and again): one
+    // computation, the same numbers. A direct-mapped table: a number that
+    // finds another in its place is computed again and takes the place.
+    template <int Bits, int N> class Kept {
+    public:
+        // The values kept for x, or null; then keep() them once computed.
+        const double* find(double x) {
+            std::memcpy(&key_, &x, sizeof key_);
+            slot_ = &slots_[(key_ * 0x9E3779B97F4A7C15u) >> (64 - Bits)];
+            return slot_->known && slot_->key == key_ ? slot_->values : nullptr;
+        }
+        void keep(const double (&values)[N]) {
+            slot_->known = true;
+            slot_->key = key_;
+            std::memcpy(slot_->values, values, sizeof values);
+        }
+
+    private:
+        struct Slot {
+            bool known = false;
+            std::uint64_t key = 0;
+            double values[N] = {};
+        };
+        Slot slots_[1 << Bits];
+        Slot* slot_ = nullptr;
+        std::uint64_t key_ = 0;
     };
-    static constexpr int kTemperatureBits = 10;
-    TemperatureConstants temperatures_[1 << kTemperatureBits];
+    // the equilibrium constants and their logarithms, by absolute temperature
+    Kept<10, 8> temperatures_;
+    // the hydrogen-ion concentration, by pH
+    Kept<10, 1> hydrogen_;
+    // the limiting law's three activity coefficients, by the square root of
+    // the ionic strength
+    Kept<11, 3> limitingLaw_;
+
+    double hydrogen(double ph);
 };
 
 // The single engine of the program.

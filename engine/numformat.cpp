@@ -1036,16 +1036,33 @@ bool isNumber(std::string_view text) {
     return strictNumber(text).has_value();
 }
 
-std::optional<double> strictNumber(std::string_view text) {
-    double quick;
-    if (quickShortNumber(text, quick)) return quick;
+namespace {
+
+// Whatever quickShortNumber does not read.
+bool strictNumberSlowly(std::string_view text, double& value) {
     while (!text.empty() && isBlank(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back()))
         text.remove_suffix(1);
     const Scan r = scanNumber(text);
-    if (r.length == 0 || r.length != text.size()) return std::nullopt;
-    return valueOf(r, text);
+    if (r.length == 0 || r.length != text.size()) return false;
+    const auto v = valueOf(r, text);
+    if (!v) return false;
+    value = *v;
+    return true;
+}
+
+} // namespace
+
+std::optional<double> strictNumber(std::string_view text) {
+    double value;
+    if (strictNumberTo(text, value)) return value;
+    return std::nullopt;
+}
+
+bool strictNumberTo(std::string_view text, double& value) {
+    if (quickShortNumber(text, value)) return true;
+    return strictNumberSlowly(text, value);
 }
 
 } // namespace velmora::fmt

@@ -143,15 +143,5 @@ std::optional<std::string> checkBoxText(std::string_view text, bool isPh) {
     return std::nullopt;
 }
 
-BoxCheck readBoxText(std::string_view text, bool isPh, double& value) {
-    value = 0;
-    if (text.empty()) return BoxCheck::Empty;
-    // A text that is wholly a number reads the same as its leading number.
-    const auto v = fmt::strictNumber(text);
-    if (!v) return BoxCheck::NotANumber;
-    if (isPh && (*v <= 0 || *v > 14)) return BoxCheck::PhOutOfRange;
-    value = *v;
-    return BoxCheck::Number;
-}
 
 } // namespace velmora

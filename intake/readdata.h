@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "engine/numformat.h"
 
 #include <optional>
 #include <string>
@@ -69,7 +70,16 @@ std::optional<std::string> checkBoxText(std::string_view text, bool isPh);
 // The check of checkBoxText and the box's number in one reading of the text.
 enum class BoxCheck { Empty, Number, NotANumber, PhOutOfRange };
 // `value` is the number for Number (and 0 for Empty), as Read Data reads it.
-BoxCheck readBoxText(std::string_view text, bool isPh, double& value);
+inline BoxCheck readBoxText(std::string_view text, bool isPh, double& value) {
+    value = 0;
+    if (text.empty()) return BoxCheck::Empty;
+    // a text that is wholly a number reads the same as its leading number
+    double v;
+    if (!fmt::strictNumberTo(text, v)) return BoxCheck::NotANumber;
+    if (isPh && (v <= 0 || v > 14)) return BoxCheck::PhOutOfRange;
+    value = v;
+    return BoxCheck::Number;
+}
 inline constexpr const char* kNotANumberMessage = "You must enter a number!";
 inline constexpr const char* kPhRangeMessage = "pH must be a positive number up to 14 .";
 inline constexpr const char* kBoxMessageTitle = "Invalid input data";
