@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Velmora's one entry point for building, running and testing.
 #   ./velmora.sh run    install what is missing, build, start the desktop program
-#   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized)
+#   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized),
+#                       then velmora-calc's tests under ThreadSanitizer
 #   ./velmora.sh calc   build and run velmora-calc on the bundled example waters
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -56,6 +57,11 @@ test)
     build build-san -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCHMARKS=OFF
     (cd build-san && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         ctest --output-on-failure -j2)
+    # the batch calculator's worker pool under ThreadSanitizer: its tests only
+    cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_TSAN=ON \
+        -DVELMORA_BENCHMARKS=OFF >/dev/null
+    cmake --build build-tsan -j"$(nproc)" --target batch_tests
+    TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build-tsan/tests/batch/batch_tests
     ;;
 *)
     echo "usage: $0 run|test|calc" >&2
