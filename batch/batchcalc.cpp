@@ -665,46 +665,41 @@ void OutputBuffer::grow(std::size_t need) {
 void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out) {
     const SweepArrays& s = engine_.sw;
     const AnalysisRecord& r = engine_.rec;
+    // ionic to ct, then the ion balance's sums, written only when it ran
+    const double same[] = {r.ionic, r.lanm, r.land, r.lant, s.ct, r.sumca, r.suman, r.diff};
+    const std::size_t sameCount = flags_.bllewis ? std::size(same) : std::size(same) - 3;
+    const std::string_view end = flags_.bllewis ? ",\n" : ",,,,\n";
+    // the columns of a point: ph, li to phs, ch, oh to co3
+    auto point = [&](int p, OutputBuffer& row) {
+        phTexts_.append(row, s.ph(p));
+        const double indices[] = {s.li(p), s.ri(p), s.por(p), s.ai(p), s.dfi(p),
+                                  s.lr(p), s.me(p), s.sl(p),  s.phs(p)};
+        row.appendNumbers(indices, std::size(indices));
+        hydrogenTexts_.append(row, s.ch(p));
+        const double carbonate[] = {s.oh(p),    s.a0(p),   s.a1(p), s.a2(p),
+                                    s.h2co3(p), s.hco3(p), s.co3(p)};
+        row.appendNumbers(carbonate, std::size(carbonate));
+    };
     if (last == 0) { // the measured point alone: nothing repeats
         appendField(out, sample);
         out.append(",0");
-        const double values[] = {s.ph(0), s.li(0), s.ri(0), s.por(0),   s.ai(0),   s.dfi(0),
-                                 s.lr(0), s.me(0), s.sl(0), s.phs(0),   s.ch(0),   s.oh(0),
-                                 s.a0(0), s.a1(0), s.a2(0), s.h2co3(0), s.hco3(0), s.co3(0),
-                                 r.ionic, r.lanm,  r.land,  r.lant,     s.ct,      r.sumca,
-                                 r.suman, r.diff};
-        if (flags_.bllewis) {
-            out.appendNumbers(values, std::size(values));
-            out.append(",\n");
-        } else {
-            out.appendNumbers(values, std::size(values) - 3);
-            out.append(",,,,\n");
-        }
+        point(0, out);
+        out.appendNumbers(same, sameCount);
+        out.append(end);
         return;
     }
     head_.clear();
     appendField(head_, sample);
     head_.append(',');
-    // ionic to ct, then the ion balance's sums, written only when it ran
-    const double same[] = {r.ionic, r.lanm, r.land, r.lant, s.ct, r.sumca, r.suman, r.diff};
     tail_.clear();
-    if (flags_.bllewis) {
-        tail_.appendNumbers(same, std::size(same));
-        tail_.append(",\n");
-    } else {
-        tail_.appendNumbers(same, std::size(same) - 3);
-        tail_.append(",,,,\n");
-    }
-    for (int point = 0; point <= last; ++point) {
+    tail_.appendNumbers(same, sameCount);
+    tail_.append(end);
+    for (int p = 0; p <= last; ++p) {
         out.append(head_.view());
         char buf[16];
         out.append(std::string_view(
-            buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, point).ptr - buf)));
-        const double values[] = {
-            s.ph(point), s.li(point), s.ri(point), s.por(point),   s.ai(point),   s.dfi(point),
-            s.lr(point), s.me(point), s.sl(point), s.phs(point),   s.ch(point),   s.oh(point),
-            s.a0(point), s.a1(point), s.a2(point), s.h2co3(point), s.hco3(point), s.co3(point)};
-        out.appendNumbers(values, std::size(values));
+            buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, p).ptr - buf)));
+        point(p, out);
         out.append(tail_.view());
     }
 }

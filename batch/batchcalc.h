@@ -253,6 +253,11 @@ public:
         char* p = room(49 * count);
         size_ = static_cast<std::size_t>(fmt::shortestListTo(p, values, count, ',') - data_.get());
     }
+    // The first n (at most 32) of the 32 characters at p.
+    void appendShort(const char* p, std::size_t n) {
+        std::memcpy(room(32), p, 32);
+        size_ += n;
+    }
     std::string_view view() const { return {data_.get(), size_}; }
     std::size_t size() const { return size_; }
     void clear() { size_ = 0; }
@@ -266,6 +271,36 @@ private:
 
     std::unique_ptr<char[]> data_;
     std::size_t size_ = 0, capacity_ = 0;
+};
+
+// The texts of numbers met before, kept by their bits: the pH of a point and
+// its hydrogen ion take a few hundred values in a whole run (a sweep's the
+// same at every sample), each written once. A direct-mapped table: a
+// number that finds another in its place is written again and takes it.
+class KeptTexts {
+public:
+    // A comma, then the shortest text of x.
+    void append(OutputBuffer& out, double x) {
+        std::uint64_t key;
+        std::memcpy(&key, &x, sizeof key);
+        Slot& s = slots_[(key * 0x9E3779B97F4A7C15u) >> (64 - kBits)];
+        if (s.length == 0 || s.key != key) {
+            s.key = key;
+            s.text[0] = ',';
+            s.length = static_cast<std::uint8_t>(
+                fmt::shortestTo(s.text + 1, s.text + sizeof s.text, x) - s.text);
+        }
+        out.appendShort(s.text, s.length);
+    }
+
+private:
+    static constexpr int kBits = 10;
+    struct Slot {
+        std::uint64_t key = 0;
+        std::uint8_t length = 0; // 0: empty
+        char text[55];           // the room shortestTo asks for; 32 are copied
+    };
+    std::unique_ptr<Slot[]> slots_ = std::make_unique<Slot[]>(std::size_t{1} << kBits);
 };
 
 // ---------------------------------------------------------------------------
@@ -330,6 +365,7 @@ private:
     AnalysisValues values_;    // the row's cells as numbers
     WindowInputs in_;          // what the engine reads from the windows
     OutputBuffer head_, tail_; // a sample's text before the point, after the co3 column
+    KeptTexts phTexts_, hydrogenTexts_;
 };
 
 // ---------------------------------------------------------------------------
