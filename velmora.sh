@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev libgif-dev libgtest-dev
-          libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time)
+          libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time valgrind)
 
 install_deps() {
     local missing=()
