@@ -1252,6 +1252,20 @@ TEST_F(Command, AReaderThatGoesAwayIsAWriteError) {
     }
 }
 
+// Standard input and output as pipes, with several workers: the output of
+// the file read directly.
+TEST_F(Command, PipesInAndOutWithSeveralWorkers) {
+    write(path("in.csv"), manySamples(300) + "bad,25,7.5,x,80,400,24,50,60\n");
+    EXPECT_EQ(run("--jobs 1 --sweep 6.5,0.5,5 '" + path("in.csv") + "'"), 1);
+    const std::string direct = out();
+    const std::string cmd = "cat '" + path("in.csv") + "' | ( '" + std::string(VELMORA_CALC) +
+                            "' --jobs 3 --sweep 6.5,0.5,5; echo $? > '" + path("status") +
+                            "' ) | cat > '" + path("stdout") + "'";
+    ASSERT_EQ(std::system(cmd.c_str()), 0);
+    EXPECT_EQ(read(path("status")), "1\n");
+    EXPECT_TRUE(out() == direct);
+}
+
 TEST_F(Command, AFailedWriteLeavesTheOutputFileUntouched) {
     const std::string target = path("result.csv");
     write(target, "previous contents\n");
