@@ -80,8 +80,8 @@ void BM_SweptSamples(benchmark::State& state) {
     const int rows = static_cast<int>(state.range(0));
     const int steps = static_cast<int>(state.range(1));
     const std::string input = samples(rows);
-    const Options options = parseCommandLine(
-        {"--jobs", "1", "--sweep", steps == 5 ? "6.5,0.5,5" : "12.95,-0.05,140"});
+    const Options options =
+        parseCommandLine({"--jobs", "1", "--sweep", steps == 5 ? "6.5,0.5,5" : "12.95,-0.05,140"});
     run(state, input, options, rows, steps + 1);
 }
 BENCHMARK(BM_SweptSamples)

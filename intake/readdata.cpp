@@ -143,5 +143,4 @@ std::optional<std::string> checkBoxText(std::string_view text, bool isPh) {
     return std::nullopt;
 }
 
-
 } // namespace velmora
