@@ -831,8 +831,10 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
 int defaultJobs() {
     cpu_set_t set;
     CPU_ZERO(&set);
-    if (::sched_getaffinity(0, sizeof set, &set) == 0) return std::max(1, CPU_COUNT(&set));
-    return static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    const int cores = ::sched_getaffinity(0, sizeof set, &set) == 0
+                          ? CPU_COUNT(&set)
+                          : static_cast<int>(std::thread::hardware_concurrency());
+    return std::clamp(cores, 1, kMaxJobs);
 }
 
 namespace {
@@ -858,7 +860,7 @@ private:
 struct Chunk {
     struct Record {
         std::size_t textBegin, endsBegin;
-        RecordView view; // text and ends left empty: they move as the chunk grows
+        RecordView view; // without text and ends: they move as the chunk grows
     };
     std::string text;              // the kept fields' text of every record
     std::vector<std::size_t> ends; // field ends, each from the start of its record
@@ -879,6 +881,8 @@ struct Chunk {
     }
     void add(const RecordView& r) {
         Record rec{text.size(), ends.size(), r};
+        rec.view.text = nullptr;
+        rec.view.ends = nullptr;
         text.append(r.text, r.textSize());
         ends.insert(ends.end(), r.ends, r.ends + r.kept);
         records.push_back(rec);
