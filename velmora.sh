@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # Velmora's one entry point for building, running and testing.
 #   ./velmora.sh run    install what is missing, build, start the desktop program
-#   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized)
+#   ./velmora.sh test   install what is missing, build, run every test (plain and sanitized),
+#                       then velmora-calc's tests under ThreadSanitizer
 #   ./velmora.sh calc   build and run velmora-calc on the bundled example waters
 #   ./velmora.sh package  build the Debian package into build/ and print its path
 set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev libgif-dev libgtest-dev
-          libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time fonts-liberation poppler-utils)
+          libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time fonts-liberation poppler-utils
+          valgrind)
 # the icons, the manuals and the Debian package with its checks
 PACKAGES+=(qt6-svg-dev help2man man-db dpkg-dev lintian desktop-file-utils appstream bash-completion)
 
@@ -65,6 +67,11 @@ test)
     build build-san -DCMAKE_BUILD_TYPE=Debug -DVELMORA_SANITIZE=ON -DVELMORA_BENCHMARKS=OFF
     (cd build-san && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         ctest --output-on-failure -j2)
+    # the batch calculator's worker pool under ThreadSanitizer: its tests only
+    cmake -S . -B build-tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELMORA_TSAN=ON \
+        -DVELMORA_BENCHMARKS=OFF >/dev/null
+    cmake --build build-tsan -j"$(nproc)" --target batch_tests
+    TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build-tsan/tests/batch/batch_tests
     ;;
 *)
     echo "usage: $0 run|test|calc|package" >&2

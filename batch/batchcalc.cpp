@@ -6,12 +6,19 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
 #include <iterator>
+#include <mutex>
 #include <new>
+#include <sched.h>
 #include <sys/stat.h>
+#include <thread>
+#include <time.h>
 #include <type_traits>
 #include <unistd.h>
 
@@ -23,16 +30,16 @@ namespace {
 // each one stands for; then the sample identifier.
 struct Column {
     const char* name;
-    std::string AnalysisTexts::*box;
+    AnalysisValues::Box AnalysisValues::*box;
 };
 constexpr Column kColumns[] = {
-    {"tds", &AnalysisTexts::tds}, {"ec", &AnalysisTexts::ec},     {"t", &AnalysisTexts::t},
-    {"ph", &AnalysisTexts::ph},   {"alk", &AnalysisTexts::alk},   {"ca", &AnalysisTexts::ca},
-    {"mg", &AnalysisTexts::mg},   {"k", &AnalysisTexts::k},       {"na", &AnalysisTexts::na},
-    {"zn", &AnalysisTexts::zn},   {"mn", &AnalysisTexts::mn},     {"fe", &AnalysisTexts::fe},
-    {"al", &AnalysisTexts::al},   {"hco3", &AnalysisTexts::hco3}, {"co3", &AnalysisTexts::co3},
-    {"no2", &AnalysisTexts::no2}, {"no3", &AnalysisTexts::no3},   {"f", &AnalysisTexts::f},
-    {"cl", &AnalysisTexts::cl},   {"so4", &AnalysisTexts::so4},
+    {"tds", &AnalysisValues::tds}, {"ec", &AnalysisValues::ec},     {"t", &AnalysisValues::t},
+    {"ph", &AnalysisValues::ph},   {"alk", &AnalysisValues::alk},   {"ca", &AnalysisValues::ca},
+    {"mg", &AnalysisValues::mg},   {"k", &AnalysisValues::k},       {"na", &AnalysisValues::na},
+    {"zn", &AnalysisValues::zn},   {"mn", &AnalysisValues::mn},     {"fe", &AnalysisValues::fe},
+    {"al", &AnalysisValues::al},   {"hco3", &AnalysisValues::hco3}, {"co3", &AnalysisValues::co3},
+    {"no2", &AnalysisValues::no2}, {"no3", &AnalysisValues::no3},   {"f", &AnalysisValues::f},
+    {"cl", &AnalysisValues::cl},   {"so4", &AnalysisValues::so4},
 };
 constexpr std::size_t kAnalysisColumns = std::size(kColumns);
 constexpr std::size_t kSampleColumn = kAnalysisColumns; // index of "sample" in Calculator::column_
@@ -75,7 +82,14 @@ std::string_view trim(std::string_view s) {
 }
 
 void appendField(OutputBuffer& out, std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    // (a loop of its own: find_first_of searches the set for every character)
+    bool plain = true;
+    for (char c : text)
+        if (c == ',' || c == '"' || c == '\r' || c == '\n') {
+            plain = false;
+            break;
+        }
+    if (plain) {
         out.append(text);
         return;
     }
@@ -86,6 +100,20 @@ void appendField(OutputBuffer& out, std::string_view text) {
     }
     out.append('"');
 }
+
+// Everything written to fd, errors ignored (the messages of the command).
+void writeAllTo(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t r = ::write(fd, text.data(), text.size());
+        if (r < 0) {
+            if (errno == EINTR) continue;
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(r));
+    }
+}
+
+constexpr int kMaxJobs = 256;
 
 std::string runtimeText(const EngineError& e) {
     return std::string("run-time error: ") + e.what();
@@ -136,6 +164,10 @@ Options (--opt value and --opt=value both work):
                       INCREMENT 0.1 to 2 (or 0 or less), STEPS 1 to 140, and
                       no sweep point above pH 14; a rejected sweep is a usage
                       error with the Options dialog's message
+  -j, --jobs N        compute with N workers (default: one for each core
+                      the command may run on); the output is the same
+  -q, --quiet         no progress report (it is shown only when standard
+                      error is a terminal and the run lasts over a second)
   -h, --help          show this text and nothing else, whatever else the
                       command line holds
 An unknown option or a missing value is a usage error, an empty FILE name a
@@ -221,8 +253,10 @@ Options parseCommandLine(const std::vector<std::string>& args) {
             }
         } else if (arg == "-h") {
             name = "help";
-        } else if (arg.rfind("-o", 0) == 0) {
-            name = "output";
+        } else if (arg == "-q") {
+            name = "quiet";
+        } else if (arg.rfind("-o", 0) == 0 || arg.rfind("-j", 0) == 0) {
+            name = arg[1] == 'o' ? "output" : "jobs";
             if (arg.size() > 2) {
                 value = arg.substr(arg[2] == '=' ? 3 : 2);
                 hasValue = true;
@@ -287,6 +321,19 @@ Options parseCommandLine(const std::vector<std::string>& args) {
         } else if (name == "larson-skold") {
             noValue();
             o.larsonSkold = true;
+        } else if (name == "quiet") {
+            noValue();
+            o.quiet = true;
+        } else if (name == "jobs") {
+            if (!takeValue()) continue;
+            int n = 0;
+            const auto r = std::from_chars(value.data(), value.data() + value.size(), n);
+            if (r.ec != std::errc() || r.ptr != value.data() + value.size() || n < 1 ||
+                n > kMaxJobs)
+                fail("--jobs needs a number of workers from 1 to " + std::to_string(kMaxJobs) +
+                     ", got \"" + value + "\"");
+            else
+                o.jobs = n;
         } else if (name == "sweep") {
             if (!takeValue()) continue;
             const auto c1 = value.find(',');
@@ -382,9 +429,18 @@ std::size_t StringSource::read(char* buf, std::size_t n) {
 bool CsvReader::fill() {
     if (eof_) return false;
     pos_ = 0;
-    end_ = source_.read(buf_.data(), buf_.size());
+    end_ = source_.read(buf_.data(), kBuffer);
     if (end_ == 0) eof_ = true;
     return end_ > 0;
+}
+
+void CsvReader::appendLong(const char* p, std::size_t n) {
+    if (textSize_ + n > kMaxRecord) {
+        tooLong_ = true;
+        n = kMaxRecord - std::min(kMaxRecord, textSize_);
+    }
+    std::memcpy(text_.get() + textSize_, p, n);
+    textSize_ += n;
 }
 
 bool CsvReader::next() {
@@ -402,7 +458,7 @@ void CsvReader::moreFields() {
         ends_.resize(std::min(limit_, std::max<std::size_t>(16, 2 * ends_.size())));
         endsAt_ = ends_.data() + kept;
         endsRoom_ = ends_.data() + ends_.size();
-        *endsAt_++ = text_.size();
+        *endsAt_++ = textSize_;
     } else {
         ++dropped_;
     }
@@ -411,13 +467,13 @@ void CsvReader::moreFields() {
 // A line of blanks and tabs alone, which reads as one unquoted field.
 bool CsvReader::blankOnly() const {
     if (fieldCount() != 1 || quoted_) return false;
-    for (char c : text_)
-        if (c != ' ' && c != '\t') return false;
+    for (const char* p = text_.get(); p != text_.get() + textSize_; ++p)
+        if (*p != ' ' && *p != '\t') return false;
     return true;
 }
 
 bool CsvReader::readRecord() {
-    text_.clear();
+    textSize_ = 0;
     if (ends_.size() > limit_) ends_.resize(limit_);
     endsAt_ = ends_.data();
     endsRoom_ = ends_.data() + ends_.size();
@@ -431,7 +487,7 @@ bool CsvReader::readRecord() {
         started_ = true;
         // enough bytes to recognise a byte-order mark, however the source splits them
         while (end_ < 3 && !eof_) {
-            const std::size_t n = source_.read(buf_.data() + end_, buf_.size() - end_);
+            const std::size_t n = source_.read(buf_.data() + end_, kBuffer - end_);
             if (n == 0) eof_ = true;
             end_ += n;
         }
@@ -459,15 +515,8 @@ bool CsvReader::readRecord() {
     }
     line_ = nextLine_;
 
-    auto append = [this](const char* p, std::size_t n) {
-        if (text_.size() + n > kMaxRecord) {
-            tooLong_ = true;
-            n = kMaxRecord - std::min(kMaxRecord, text_.size());
-        }
-        text_.append(p, n);
-    };
-
     enum class State { FieldStart, Unquoted, Quoted, QuoteInQuoted } state = State::FieldStart;
+    bool crBefore = false; // the last character of a quoted field was a CR
     for (;;) {
         if (pos_ == end_ && !fill()) {
             if (state == State::Quoted) unterminated_ = true;
@@ -505,13 +554,16 @@ bool CsvReader::readRecord() {
         if (state == State::Quoted) {
             if (c == '"') {
                 state = State::QuoteInQuoted;
+                crBefore = false;
             } else {
-                if (c == '\n') ++nextLine_;
-                append(&c, 1);
+                // a line end inside the field: CR, LF or CRLF, each one line
+                if (c == '\r' || (c == '\n' && !crBefore)) ++nextLine_;
+                crBefore = c == '\r';
+                append(buf_.data() + pos_ - 1, 1);
             }
         } else { // after a quote inside a quoted field
             if (c == '"') {
-                append(&c, 1);
+                append(buf_.data() + pos_ - 1, 1);
                 state = State::Quoted;
             } else {
                 // the field ends here, or text follows its closing quote
@@ -538,6 +590,16 @@ Calculator::Calculator(const Options& options) : options_(options) {
     }
     column_.assign(kAnalysisColumns + 1, -1);
     engine_.setObserver(&collector_);
+    // the sweep boxes read once for all rows
+    in_.sweepChecked = options.sweep;
+    if (options.sweep) {
+        in_.initialText = options.sweepStart;
+        in_.incrementText = options.sweepIncrement;
+        in_.stepText = options.sweepSteps;
+        in_.initialValue = fmt::strictNumber(options.sweepStart);
+        in_.incrementValue = fmt::strictNumber(options.sweepIncrement);
+        in_.stepValue = fmt::strictNumber(options.sweepSteps);
+    }
 }
 
 void Calculator::setHeader(const CsvReader& header) {
@@ -575,11 +637,15 @@ void Calculator::freshProgram() {
     // a row writes elements 0 to touched_ at most and reads touched_ + 1
     const int last = std::min(touched_ + 1, PointArray::kSize - 1);
     // (the first four elements at least: a fixed size clears them in a store
-    // or two instead of a call for each array)
-    for (auto a : kArrays) {
-        void* elements = static_cast<void*>(&(sw.*a));
-        std::memset(elements, 0, 4 * sizeof(double));
-        if (last >= 4) std::memset(elements, 0, sizeof(double) * (last + 1));
+    // or two instead of a call for each array; unrolled, each array's place
+    // is a constant)
+    if (last < 4) {
+#pragma GCC unroll 30
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0, 4 * sizeof(double));
+    } else {
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0, sizeof(double) * (last + 1));
     }
     sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
     sw.phstart = options_.sweep ? applied_.sweep.entry[0] : 0;
@@ -597,27 +663,45 @@ void OutputBuffer::grow(std::size_t need) {
     capacity_ = capacity;
 }
 
-void Calculator::pointRow(std::string_view sample, int point, OutputBuffer& out) const {
+void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out) {
     const SweepArrays& s = engine_.sw;
     const AnalysisRecord& r = engine_.rec;
-    appendField(out, sample);
-    out.append(',');
-    char buf[16];
-    out.append(std::string_view(
-        buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, point).ptr - buf)));
-    // the ion balance's sums last, written only when it ran
-    const double values[] = {
-        s.ph(point), s.li(point), s.ri(point), s.por(point),   s.ai(point),   s.dfi(point),
-        s.lr(point), s.me(point), s.sl(point), s.phs(point),   s.ch(point),   s.oh(point),
-        s.a0(point), s.a1(point), s.a2(point), s.h2co3(point), s.hco3(point), s.co3(point),
-        r.ionic,     r.lanm,      r.land,      r.lant,         s.ct,          r.sumca,
-        r.suman,     r.diff};
-    if (flags_.bllewis) {
-        out.appendNumbers(values, std::size(values));
-        out.append(",\n");
-    } else {
-        out.appendNumbers(values, std::size(values) - 3);
-        out.append(",,,,\n");
+    // ionic to ct, then the ion balance's sums, written only when it ran
+    const double same[] = {r.ionic, r.lanm, r.land, r.lant, s.ct, r.sumca, r.suman, r.diff};
+    const std::size_t sameCount = flags_.bllewis ? std::size(same) : std::size(same) - 3;
+    const std::string_view end = flags_.bllewis ? ",\n" : ",,,,\n";
+    // the columns of a point: ph, li to phs, ch, oh to co3
+    auto point = [&](int p, OutputBuffer& row) {
+        phTexts_.append(row, s.ph(p));
+        const double indices[] = {s.li(p), s.ri(p), s.por(p), s.ai(p), s.dfi(p),
+                                  s.lr(p), s.me(p), s.sl(p),  s.phs(p)};
+        row.appendNumbers(indices, std::size(indices));
+        hydrogenTexts_.append(row, s.ch(p));
+        const double carbonate[] = {s.oh(p),    s.a0(p),   s.a1(p), s.a2(p),
+                                    s.h2co3(p), s.hco3(p), s.co3(p)};
+        row.appendNumbers(carbonate, std::size(carbonate));
+    };
+    if (last == 0) { // the measured point alone: nothing repeats
+        appendField(out, sample);
+        out.append(",0");
+        point(0, out);
+        out.appendNumbers(same, sameCount);
+        out.append(end);
+        return;
+    }
+    head_.clear();
+    appendField(head_, sample);
+    head_.append(',');
+    tail_.clear();
+    tail_.appendNumbers(same, sameCount);
+    tail_.append(end);
+    for (int p = 0; p <= last; ++p) {
+        out.append(head_.view());
+        char buf[16];
+        out.append(std::string_view(
+            buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, p).ptr - buf)));
+        point(p, out);
+        out.append(tail_.view());
     }
 }
 
@@ -643,56 +727,66 @@ void Calculator::messageRow(std::string_view sample, const std::string& point,
 
 // A record that cannot be read as a sample: its message row. Kept out of
 // processRecord, whose every-row path stays small enough to be inlined well.
-void Calculator::badRecordRow(const CsvReader& record, std::string_view sample,
+void Calculator::badRecordRow(const RecordView& record, std::string_view sample,
                               OutputBuffer& out) const {
-    std::string text = "line " + std::to_string(record.line()) + ": ";
-    if (record.tooLong())
+    std::string text = "line " + std::to_string(record.line) + ": ";
+    if (record.tooLong)
         text += "the row is longer than " + std::to_string(CsvReader::kMaxRecord) + " characters";
-    else if (record.unterminated())
+    else if (record.unterminated)
         text += "a quoted field is not closed";
-    else if (record.malformed())
-        text += "the row is malformed: field " + std::to_string(record.malformedField()) +
+    else if (record.malformedField != 0)
+        text += "the row is malformed: field " + std::to_string(record.malformedField) +
                 " has text after its closing quote";
     else
-        text += std::to_string(record.fieldCount()) + " fields where the header has " +
+        text += std::to_string(record.count) + " fields where the header has " +
                 std::to_string(fieldCount_);
     messageRow(sample, "", text, false, out);
 }
 
-bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
+bool Calculator::rejectedCell(BoxCheck check, std::string_view sample, OutputBuffer& out) const {
+    messageRow(sample, "", check == BoxCheck::PhOutOfRange ? kPhRangeMessage : kNotANumberMessage,
+               false, out);
+    return true;
+}
+
+bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
     const int sampleField = column_[kSampleColumn];
     const std::string_view sample =
-        sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.keptFieldCount()
+        sampleField >= 0 && static_cast<std::size_t>(sampleField) < record.kept
             ? record.field(static_cast<std::size_t>(sampleField))
             : std::string_view();
 
-    if (record.tooLong() || record.unterminated() || record.malformed() ||
-        record.fieldCount() != fieldCount_) {
+    if (record.tooLong || record.unterminated || record.malformedField != 0 ||
+        record.count != fieldCount_) {
         badRecordRow(record, sample, out);
         return true;
     }
 
-    // the boxes, each as typed, each checked as its box checks it (the copies
-    // unrolled: each box's member is then known where it is written)
+    // every cell checked and read in one pass, as its box checks it, in the
+    // column order (the first bad one reports)
 #pragma GCC unroll 20
     for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
-        std::string& box = texts_.*kColumns[c].box;
-        if (column_[c] >= 0) {
-            box.assign(record.field(static_cast<std::size_t>(column_[c])));
-        } else {
-            box.clear();
-        }
+        AnalysisValues::Box& box = values_.*kColumns[c].box;
+        box = AnalysisValues::Box{};
+        if (column_[c] < 0) continue;
+        const BoxCheck check = readBoxText(record.field(static_cast<std::size_t>(column_[c])),
+                                           c == kPhColumn, box.value);
+        if (check == BoxCheck::Number)
+            box.empty = false;
+        else if (check != BoxCheck::Empty)
+            return rejectedCell(check, sample, out);
     }
-    for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
-        if (auto m = checkBoxText(texts_.*kColumns[c].box, c == kPhColumn)) {
-            messageRow(sample, "", *m, false, out);
-            return true;
-        }
-    }
+    // the window inputs of the row: the pH as read, the carbonate pair's boxes
+    // (the pH text itself is not needed: an empty cell leaves it empty, a
+    // number is given as read)
+    in_.phValue.reset();
+    if (!values_.ph.empty) in_.phValue = values_.ph.value;
+    in_.hco3Empty = values_.hco3.empty;
+    in_.co3Empty = values_.co3.empty;
 
     freshProgram();
     try {
-        const ReadDataResult r = readAnalysis(engine_, texts_, flags_, applied_.index.bllr);
+        const ReadDataResult r = readAnalysis(engine_, values_, flags_, applied_.index.bllr, in_);
         if (r.outcome == ReadDataResult::Outcome::Message) {
             messageRow(sample, "", r.messageText, false, out);
             return true;
@@ -706,16 +800,9 @@ bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
         return true;
     }
 
-    WindowInputs in = windowInputs(texts_);
-    in.sweepChecked = options_.sweep;
-    if (options_.sweep) {
-        in.initialText = options_.sweepStart;
-        in.incrementText = options_.sweepIncrement;
-        in.stepText = options_.sweepSteps;
-    }
     CalcOutcome outcome;
     try {
-        outcome = engine_.calculate(flags_, in);
+        outcome = engine_.calculate(flags_, in_);
     } catch (const EngineError& e) {
         messageRow(sample, "0", runtimeText(e), false, out);
         return true;
@@ -723,11 +810,9 @@ bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
 
     bool message = false;
     if (outcome.computed) {
-        pointRow(sample, 0, out);
         const int last = outcome.sweepError ? outcome.sweepErrorPoint - 1
                                             : std::min(outcome.sweepPoints, PointArray::kSize - 1);
-        for (int p = 1; p <= last; ++p)
-            pointRow(sample, p, out);
+        pointRows(sample, std::max(last, 0), out);
         if (outcome.sweepError) {
             messageRow(sample, std::to_string(outcome.sweepErrorPoint),
                        runtimeText(*outcome.sweepError), false, out);
@@ -744,42 +829,291 @@ bool Calculator::processRecord(const CsvReader& record, OutputBuffer& out) {
 // ---------------------------------------------------------------------------
 // Runs
 
-int runBatch(const Options& options, ByteSource& in, ByteSink& sink) {
+int defaultJobs() {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    const int cores = ::sched_getaffinity(0, sizeof set, &set) == 0
+                          ? CPU_COUNT(&set)
+                          : static_cast<int>(std::thread::hardware_concurrency());
+    return std::clamp(cores, 1, kMaxJobs);
+}
+
+namespace {
+
+constexpr std::size_t kFlushAt = 1 << 16;
+
+// The bytes a source has given.
+class CountingSource : public ByteSource {
+public:
+    explicit CountingSource(ByteSource& source) : source_(source) {}
+    std::size_t read(char* buf, std::size_t n) override {
+        const std::size_t k = source_.read(buf, n);
+        bytes += k;
+        return k;
+    }
+    std::uint64_t bytes = 0;
+
+private:
+    ByteSource& source_;
+};
+
+// Records handed to a worker together, with the output they make.
+struct Chunk {
+    struct Record {
+        std::size_t textBegin, endsBegin;
+        RecordView view; // without text and ends: they move as the chunk grows
+    };
+    std::string text;              // the kept fields' text of every record
+    std::vector<std::size_t> ends; // field ends, each from the start of its record
+    std::vector<Record> records;
+    std::uint64_t inputBytes = 0; // of the input read when the chunk was full
+    OutputBuffer out;
+    bool message = false;
+    bool done = false; // computed: its output can be written
+    std::exception_ptr error;
+
+    void clear() {
+        text.clear();
+        ends.clear();
+        records.clear();
+        out.clear();
+        message = false;
+        error = nullptr;
+    }
+    void add(const RecordView& r) {
+        Record rec{text.size(), ends.size(), r};
+        rec.view.text = nullptr;
+        rec.view.ends = nullptr;
+        text.append(r.text, r.textSize());
+        ends.insert(ends.end(), r.ends, r.ends + r.kept);
+        records.push_back(rec);
+    }
+    RecordView view(const Record& rec) const {
+        RecordView v = rec.view;
+        v.text = text.data() + rec.textBegin;
+        v.ends = ends.data() + rec.endsBegin;
+        return v;
+    }
+    void compute(Calculator& calc) {
+        try {
+            for (const Record& rec : records)
+                if (calc.processRecord(view(rec), out)) message = true;
+        } catch (...) {
+            error = std::current_exception();
+        }
+    }
+};
+
+// The workers: each takes the next chunk that is full, computes it with a
+// calculator of its own and marks it done. The chunks live in a ring that
+// the reading thread fills and empties in input order.
+class Workers {
+public:
+    Workers(const Calculator& header, const Options& options, std::vector<Chunk>& ring, int count)
+        : ring_(ring) {
+        calculators_.reserve(static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            calculators_.push_back(std::make_unique<Calculator>(options));
+            calculators_.back()->adoptColumns(header);
+        }
+        threads_.reserve(static_cast<std::size_t>(count));
+        try {
+            for (int i = 0; i < count; ++i)
+                threads_.emplace_back(
+                    [this, i] { work(*calculators_[static_cast<std::size_t>(i)]); });
+        } catch (...) {
+            stop();
+            throw;
+        }
+    }
+    ~Workers() { stop(); }
+
+    // Chunk number `filled()` is full: hands it to the workers.
+    void submit() {
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            ring_[filled_ % ring_.size()].done = false;
+            ++filled_;
+        }
+        work_.notify_one();
+    }
+    std::uint64_t filled() const { return filled_; } // only the reading thread changes it
+    // Waits until chunk number n is computed.
+    void waitFor(std::uint64_t n) {
+        std::unique_lock<std::mutex> lock(mutex_);
+        Chunk& c = ring_[n % ring_.size()];
+        done_.wait(lock, [&c] { return c.done; });
+    }
+    bool isDone(std::uint64_t n) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return ring_[n % ring_.size()].done;
+    }
+
+private:
+    void work(Calculator& calc) {
+        std::unique_lock<std::mutex> lock(mutex_);
+        for (;;) {
+            work_.wait(lock, [this] { return stopping_ || taken_ < filled_; });
+            if (stopping_) return;
+            Chunk& c = ring_[taken_++ % ring_.size()];
+            lock.unlock();
+            c.compute(calc);
+            lock.lock();
+            c.done = true;
+            done_.notify_all();
+        }
+    }
+    void stop() {
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            stopping_ = true;
+        }
+        work_.notify_all();
+        for (std::thread& t : threads_)
+            t.join();
+        threads_.clear();
+    }
+
+    std::vector<Chunk>& ring_;
+    std::vector<std::unique_ptr<Calculator>> calculators_;
+    std::vector<std::thread> threads_;
+    std::mutex mutex_;
+    std::condition_variable work_, done_;
+    std::uint64_t filled_ = 0, taken_ = 0;
+    bool stopping_ = false;
+};
+
+// Every record in the reading thread, one after the other.
+int runOneWorker(Calculator& calc, CsvReader& reader, const CountingSource& counted,
+                 OutputBuffer& out, ByteSink& sink, ProgressSink* progress) {
+    int status = 0;
+    std::uint64_t rows = 0;
+    while (reader.next()) {
+        if (calc.processRecord(reader, out)) status = 1;
+        ++rows;
+        if (out.size() >= kFlushAt) {
+            sink.write(out.view().data(), out.size());
+            out.clear();
+            if (progress) progress->advance(rows, counted.bytes);
+        }
+    }
+    sink.write(out.view().data(), out.size());
+    if (progress) progress->advance(rows, counted.bytes);
+    return status;
+}
+
+// The records in chunks computed by `jobs` workers, the output written in
+// input order by the reading thread. At most a few chunks per worker are in
+// flight, each of bounded size, so memory stays flat.
+int runWorkers(const Calculator& calc, const Options& options, int jobs, CsvReader& reader,
+               const CountingSource& counted, OutputBuffer& first, ByteSink& sink,
+               ProgressSink* progress) {
+    // about 2,000 output rows or a megabyte of input a chunk
+    const std::size_t rowsPerSample = static_cast<std::size_t>(calc.rowsPerSample());
+    const std::size_t perChunk = std::max<std::size_t>(1, 2048 / rowsPerSample);
+    constexpr std::size_t kChunkText = 1 << 20;
+    std::vector<Chunk> ring(2 * static_cast<std::size_t>(jobs) + 2);
+    Workers workers(calc, options, ring, jobs);
+
+    int status = 0;
+    std::uint64_t written = 0, rows = 0;
+    sink.write(first.view().data(), first.size()); // the header
+    auto writeNext = [&] {
+        workers.waitFor(written);
+        Chunk& c = ring[written % ring.size()];
+        if (c.error) std::rethrow_exception(c.error);
+        sink.write(c.out.view().data(), c.out.size());
+        if (c.message) status = 1;
+        rows += c.records.size();
+        ++written;
+        if (progress) progress->advance(rows, c.inputBytes);
+    };
+    for (bool more = true; more;) {
+        if (workers.filled() - written == ring.size()) writeNext();
+        Chunk& c = ring[workers.filled() % ring.size()];
+        c.clear();
+        while (c.records.size() < perChunk && c.text.size() < kChunkText) {
+            if (!reader.next()) {
+                more = false;
+                break;
+            }
+            c.add(reader.view());
+        }
+        c.inputBytes = counted.bytes;
+        if (!c.records.empty()) workers.submit();
+        // what is done already goes out at once
+        while (written < workers.filled() && workers.isDone(written))
+            writeNext();
+    }
+    while (written < workers.filled())
+        writeNext();
+    return status;
+}
+
+} // namespace
+
+int runBatch(const Options& options, ByteSource& in, ByteSink& sink, ProgressSink* progress) {
     Calculator calc(options);
-    CsvReader reader(in);
+    CountingSource counted(in);
+    CsvReader reader(counted);
     reader.keepFields(kHeaderFields);
     if (!reader.next()) throw UsageError("the input has no header row");
     calc.setHeader(reader);
     // a row with more fields than the header is only counted past them
     reader.keepFields(reader.fieldCount());
 
-    constexpr std::size_t kFlushAt = 1 << 16;
     OutputBuffer out;
     out.append(kOutputHeader);
     out.append('\n');
-    int status = 0;
-    while (reader.next()) {
-        if (calc.processRecord(reader, out)) status = 1;
-        if (out.size() >= kFlushAt) {
-            sink.write(out.view().data(), out.size());
-            out.clear();
-        }
-    }
-    sink.write(out.view().data(), out.size());
-    return status;
+    const int jobs = options.jobs > 0 ? options.jobs : defaultJobs();
+    if (jobs == 1) return runOneWorker(calc, reader, counted, out, sink, progress);
+    return runWorkers(calc, options, jobs, reader, counted, out, sink, progress);
+}
+
+// ---------------------------------------------------------------------------
+// Progress on a terminal
+
+TerminalProgress::TerminalProgress(int fd, std::uint64_t totalBytes, Clock clock)
+    : fd_(fd), terminal_(::isatty(fd) == 1), total_(totalBytes), clock_(std::move(clock)) {
+    if (!clock_)
+        clock_ = [] {
+            timespec t;
+            ::clock_gettime(CLOCK_MONOTONIC, &t);
+            return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+        };
+    start_ = clock_();
+}
+
+void TerminalProgress::advance(std::uint64_t rows, std::uint64_t inputBytes) {
+    if (!terminal_) return;
+    const double now = clock_();
+    const double elapsed = now - start_;
+    // after the first second, a few times a second
+    if (elapsed < 1.0 || (last_ >= 0 && now - last_ < 0.25)) return;
+    last_ = now;
+    char line[160];
+    int n =
+        std::snprintf(line, sizeof line, "\rvelmora-calc: %llu rows, %.0f rows/s",
+                      static_cast<unsigned long long>(rows), static_cast<double>(rows) / elapsed);
+    if (total_ > 0)
+        n += std::snprintf(line + n, sizeof line - static_cast<std::size_t>(n), ", %.0f%%",
+                           100.0 * static_cast<double>(std::min(inputBytes, total_)) /
+                               static_cast<double>(total_));
+    n += std::snprintf(line + n, sizeof line - static_cast<std::size_t>(n), "\033[K");
+    shown_ = true;
+    writeAllTo(fd_, std::string_view(line, static_cast<std::size_t>(n)));
+}
+
+void TerminalProgress::finish() {
+    if (!shown_) return;
+    shown_ = false;
+    writeAllTo(fd_, "\r\033[K");
 }
 
 namespace {
 
 void writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t r = ::write(fd, text.data(), text.size());
-        if (r < 0) {
-            if (errno == EINTR) continue;
-            return;
-        }
-        text.remove_prefix(static_cast<std::size_t>(r));
-    }
+    writeAllTo(fd, text);
 }
 
 // A file descriptor closed when it goes out of scope.
@@ -822,6 +1156,7 @@ int commandMain(const std::vector<std::string>& args) {
         output.fd = 1;
         bool toFile = !o.output.empty() && o.output != "-";
         std::string target = o.output;
+        int keepMode = -1; // the mode of the file replaced, if there is one
         if (toFile) {
             outputName = o.output;
             struct stat st;
@@ -834,10 +1169,19 @@ int commandMain(const std::vector<std::string>& args) {
                     output.fd = ::open(o.output.c_str(), O_WRONLY | O_CLOEXEC);
                     if (output.fd < 0)
                         throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
-                } else if (char* real = ::realpath(o.output.c_str(), nullptr)) {
-                    // through a symbolic link the file it points to is replaced
-                    target = real;
-                    std::free(real);
+                } else {
+                    // a file the user may not write is not replaced behind
+                    // his back; the replacement keeps the file's mode
+                    if (::faccessat(AT_FDCWD, o.output.c_str(), W_OK, AT_EACCESS) != 0)
+                        throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
+                    if ((st.st_mode & 0222) == 0)
+                        throw UsageError("cannot write " + o.output + ": the file is read-only");
+                    keepMode = st.st_mode & 07777;
+                    if (char* real = ::realpath(o.output.c_str(), nullptr)) {
+                        // through a symbolic link the file it points to is replaced
+                        target = real;
+                        std::free(real);
+                    }
                 }
             }
         }
@@ -854,11 +1198,21 @@ int commandMain(const std::vector<std::string>& args) {
                 if (err != EEXIST || attempt > 100)
                     throw UsageError("cannot write " + o.output + ": " + std::strerror(err));
             }
+            if (keepMode >= 0 && ::fchmod(output.fd, static_cast<mode_t>(keepMode)) != 0)
+                throw UsageError("cannot write " + o.output + ": " + std::strerror(errno));
         }
 
         FdSource source(input.fd, inputName);
         FdSink sink(output.fd, outputName);
-        const int status = runBatch(o, source, sink);
+        std::unique_ptr<TerminalProgress> progress;
+        if (!o.quiet) {
+            struct stat in;
+            const bool sized = ::fstat(input.fd, &in) == 0 && S_ISREG(in.st_mode);
+            progress = std::make_unique<TerminalProgress>(
+                2, sized ? static_cast<std::uint64_t>(in.st_size) : 0);
+        }
+        const int status = runBatch(o, source, sink, progress.get());
+        progress.reset();
 
         if (toFile) {
             const int fd = output.fd;

@@ -9,7 +9,9 @@
 #include "options/optionstate.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -34,8 +36,14 @@ struct Options {
     std::string sweepStart, sweepIncrement, sweepSteps; // the three box texts
     std::string input = "-";                            // "-": standard input
     std::string output;                                 // empty: standard output
+    int jobs = 0;                                       // workers; 0: one per core
+    bool quiet = false;                                 // no progress report
     bool help = false;
 };
+
+// The number of cores the process may run on (at least 1): the default of
+// --jobs.
+int defaultJobs();
 
 // The command line without the program name. Checks the sweep as the Options
 // dialog checks its boxes and its Apply; throws UsageError with the message
@@ -111,6 +119,26 @@ public:
 };
 
 // ---------------------------------------------------------------------------
+// One record as read: the text of its kept fields back to back and where
+// each ends, and what the reader found wrong with it.
+struct RecordView {
+    const char* text = nullptr;
+    const std::size_t* ends = nullptr; // end of each kept field, counted from text
+    std::size_t kept = 0;              // fields kept
+    std::size_t count = 0;             // fields in all
+    std::size_t malformedField = 0;    // field with text after its closing quote, from 1
+    long line = 0;
+    bool tooLong = false, unterminated = false;
+
+    std::string_view field(std::size_t i) const {
+        const std::size_t begin = i == 0 ? 0 : ends[i - 1];
+        return {text + begin, ends[i] - begin};
+    }
+    // The text of the kept fields.
+    std::size_t textSize() const { return kept == 0 ? 0 : ends[kept - 1]; }
+};
+
+// ---------------------------------------------------------------------------
 // RFC 4180 reading, one record at a time: quoted fields with doubled quotes,
 // commas and line ends inside; CRLF, LF or CR line ends; a UTF-8 byte-order
 // mark at the start is dropped; empty lines and lines of nothing but blanks
@@ -121,7 +149,8 @@ class CsvReader {
 public:
     static constexpr std::size_t kMaxRecord = 1 << 20; // bytes of field text per record
 
-    explicit CsvReader(ByteSource& source) : source_(source) {}
+    explicit CsvReader(ByteSource& source)
+        : source_(source), text_(new char[kMaxRecord + kSlack]) {}
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
 
@@ -136,7 +165,7 @@ public:
     // Field i of the kept ones.
     std::string_view field(std::size_t i) const {
         const std::size_t begin = i == 0 ? 0 : ends_[i - 1];
-        return std::string_view(text_).substr(begin, ends_[i] - begin);
+        return {text_.get() + begin, ends_[i] - begin};
     }
     long line() const { return line_; }
     // The record held more than kMaxRecord bytes; its text is cut short.
@@ -147,6 +176,11 @@ public:
     // number, counted from 1.
     bool malformed() const { return malformedField_ != 0; }
     std::size_t malformedField() const { return malformedField_; }
+    // The record just read, valid until the next one is.
+    RecordView view() const {
+        return {text_.get(),     ends_.data(), keptFieldCount(), fieldCount(),
+                malformedField_, line_,        tooLong_,         unterminated_};
+    }
 
 private:
     bool fill();
@@ -155,18 +189,34 @@ private:
     void endField() {
         // one test, as a push_back would make
         if (endsAt_ != endsRoom_)
-            *endsAt_++ = text_.size();
+            *endsAt_++ = textSize_;
         else
             moreFields();
     }
     void moreFields();
+    // Appends the n characters at p to the record's text, up to kMaxRecord;
+    // 16 characters from p must be readable.
+    void append(const char* p, std::size_t n) {
+        if (n <= 16 && textSize_ + 16 <= kMaxRecord) {
+            // a short run in two fixed-size copies instead of a call
+            std::memcpy(text_.get() + textSize_, p, 8);
+            std::memcpy(text_.get() + textSize_ + 8, p + 8, 8);
+            textSize_ += n;
+            return;
+        }
+        appendLong(p, n);
+    }
+    void appendLong(const char* p, std::size_t n);
 
+    static constexpr std::size_t kBuffer = 1 << 16;
+    static constexpr std::size_t kSlack = 16; // readable past the end of buf_, text_
     ByteSource& source_;
-    std::vector<char> buf_ = std::vector<char>(1 << 16);
+    std::vector<char> buf_ = std::vector<char>(kBuffer + kSlack);
     std::size_t pos_ = 0, end_ = 0;
     bool eof_ = false, started_ = false, skipLf_ = false;
     long nextLine_ = 1, line_ = 0;
-    std::string text_;                // field text of the record, fields back to back
+    std::unique_ptr<char[]> text_; // field text of the record, fields back to back
+    std::size_t textSize_ = 0;
     std::vector<std::size_t> ends_;   // room for the kept fields, never more than limit_
     std::size_t* endsAt_ = nullptr;   // past the end of the last kept field in ends_
     std::size_t* endsRoom_ = nullptr; // the end of ends_
@@ -203,6 +253,11 @@ public:
         char* p = room(49 * count);
         size_ = static_cast<std::size_t>(fmt::shortestListTo(p, values, count, ',') - data_.get());
     }
+    // The first n (at most 32) of the 32 characters at p.
+    void appendShort(const char* p, std::size_t n) {
+        std::memcpy(room(32), p, 32);
+        size_ += n;
+    }
     std::string_view view() const { return {data_.get(), size_}; }
     std::size_t size() const { return size_; }
     void clear() { size_ = 0; }
@@ -218,6 +273,36 @@ private:
     std::size_t size_ = 0, capacity_ = 0;
 };
 
+// The texts of numbers met before, kept by their bits: the pH of a point and
+// its hydrogen ion take a few hundred values in a whole run (a sweep's the
+// same at every sample), each written once. A direct-mapped table: a
+// number that finds another in its place is written again and takes it.
+class KeptTexts {
+public:
+    // A comma, then the shortest text of x.
+    void append(OutputBuffer& out, double x) {
+        std::uint64_t key;
+        std::memcpy(&key, &x, sizeof key);
+        Slot& s = slots_[(key * 0x9E3779B97F4A7C15u) >> (64 - kBits)];
+        if (s.length == 0 || s.key != key) {
+            s.key = key;
+            s.text[0] = ',';
+            s.length = static_cast<std::uint8_t>(
+                fmt::shortestTo(s.text + 1, s.text + sizeof s.text, x) - s.text);
+        }
+        out.appendShort(s.text, s.length);
+    }
+
+private:
+    static constexpr int kBits = 10;
+    struct Slot {
+        std::uint64_t key = 0;
+        std::uint8_t length = 0; // 0: empty
+        char text[55];           // the room shortestTo asks for; 32 are copied
+    };
+    std::unique_ptr<Slot[]> slots_ = std::make_unique<Slot[]>(std::size_t{1} << kBits);
+};
+
 // ---------------------------------------------------------------------------
 // The samples, one row after the other.
 class Calculator {
@@ -230,9 +315,21 @@ public:
     // open or has text after a closing quote.
     void setHeader(const CsvReader& header);
 
+    // Takes the columns another calculator read from the header.
+    void adoptColumns(const Calculator& other) {
+        column_ = other.column_;
+        fieldCount_ = other.fieldCount_;
+    }
+
     // Computes one record and appends its output rows to `out`. Returns true
     // when a message row was written.
-    bool processRecord(const CsvReader& record, OutputBuffer& out);
+    bool processRecord(const RecordView& record, OutputBuffer& out);
+    bool processRecord(const CsvReader& record, OutputBuffer& out) {
+        return processRecord(record.view(), out);
+    }
+
+    // Output rows a sample writes at most.
+    int rowsPerSample() const { return touched_ + 1; }
 
 private:
     struct Collector : EngineObserver {
@@ -247,9 +344,13 @@ private:
     };
 
     void freshProgram();
-    [[gnu::cold, gnu::noinline]] void badRecordRow(const CsvReader& record, std::string_view sample,
+    [[gnu::cold, gnu::noinline]] void
+    badRecordRow(const RecordView& record, std::string_view sample, OutputBuffer& out) const;
+    [[gnu::cold, gnu::noinline]] bool rejectedCell(BoxCheck check, std::string_view sample,
                                                    OutputBuffer& out) const;
-    void pointRow(std::string_view sample, int point, OutputBuffer& out) const;
+    // The point rows of a computed sample: what is the same in each of them
+    // is written to text once.
+    void pointRows(std::string_view sample, int last, OutputBuffer& out);
     void messageRow(std::string_view sample, const std::string& point, std::string_view text,
                     bool balance, OutputBuffer& out) const;
 
@@ -261,13 +362,54 @@ private:
     std::size_t fieldCount_ = 0;
     Engine engine_;
     Collector collector_;
-    AnalysisTexts texts_;
+    AnalysisValues values_;    // the row's cells as numbers
+    WindowInputs in_;          // what the engine reads from the windows
+    OutputBuffer head_, tail_; // a sample's text before the point, after the co3 column
+    KeptTexts phTexts_, hydrogenTexts_;
 };
 
-// Reads the header and every record from `in`, writes the output to `out`.
-// Returns 0 when no message row was written, 1 when one was. Throws
-// UsageError for a missing or bad header and for input/output failures.
-int runBatch(const Options& options, ByteSource& in, ByteSink& out);
+// ---------------------------------------------------------------------------
+// Told how far the run is each time output has been written.
+class ProgressSink {
+public:
+    virtual ~ProgressSink() = default;
+    // `rows` input rows are done, `inputBytes` of the input read for them.
+    virtual void advance(std::uint64_t rows, std::uint64_t inputBytes) = 0;
+};
+
+// The one-line report on a terminal: rows done, rows per second and the
+// percentage of the input when its size is known, refreshed in place on
+// `fd` once the run has lasted a second, and cleared at the end. Writes
+// nothing at all when `fd` is not a terminal.
+class TerminalProgress : public ProgressSink {
+public:
+    using Clock = std::function<double()>; // seconds, from any start
+
+    // totalBytes 0: the size of the input is not known.
+    TerminalProgress(int fd, std::uint64_t totalBytes, Clock clock = {});
+    ~TerminalProgress() override { finish(); }
+    TerminalProgress(const TerminalProgress&) = delete;
+    TerminalProgress& operator=(const TerminalProgress&) = delete;
+
+    void advance(std::uint64_t rows, std::uint64_t inputBytes) override;
+    // Clears the report line if one was written.
+    void finish();
+
+private:
+    int fd_;
+    bool terminal_;
+    std::uint64_t total_;
+    Clock clock_;
+    double start_, last_ = -1;
+    bool shown_ = false;
+};
+
+// Reads the header and every record from `in`, writes the output to `out`,
+// with options.jobs workers (0: defaultJobs()). Returns 0 when no message
+// row was written, 1 when one was. Throws UsageError for a missing or bad
+// header and for input/output failures.
+int runBatch(const Options& options, ByteSource& in, ByteSink& out,
+             ProgressSink* progress = nullptr);
 
 // The whole command: arguments without the program name; standard input,
 // output and error are file descriptors 0, 1 and 2. Returns the exit status.

@@ -1,6 +1,7 @@
 // Throughput of the batch calculator: a generated file of a million samples
-// with the measured point only, and fewer samples each with a long pH sweep.
-// Input and output stay in memory, so the figures are the calculator's own.
+// with the measured point only, and fewer samples each with a pH sweep, on
+// one worker, and the measured point with one worker per core. Input and
+// output stay in memory, so the figures are the calculator's own.
 #include "batch/batchcalc.h"
 
 #include <benchmark/benchmark.h>
@@ -56,17 +57,37 @@ void run(benchmark::State& state, const std::string& input, const Options& optio
 void BM_MeasuredPointSamples(benchmark::State& state) {
     const int rows = static_cast<int>(state.range(0));
     const std::string input = samples(rows);
-    run(state, input, Options{}, rows, 1);
+    run(state, input, parseCommandLine({"--jobs", "1"}), rows, 1);
 }
 BENCHMARK(BM_MeasuredPointSamples)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-// The same samples with a 140-point sweep each: 141 output rows per sample.
-void BM_SweptSamples(benchmark::State& state) {
+// The same with one worker per core (real time: the workers' CPU time is
+// not the benchmark thread's).
+void BM_MeasuredPointSamplesEveryCore(benchmark::State& state) {
     const int rows = static_cast<int>(state.range(0));
     const std::string input = samples(rows);
-    const Options options = parseCommandLine({"--sweep", "7,0,140"});
-    run(state, input, options, rows, 141);
+    run(state, input, Options{}, rows, 1);
 }
-BENCHMARK(BM_SweptSamples)->Arg(10000)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_MeasuredPointSamplesEveryCore)
+    ->Arg(1000000)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3)
+    ->UseRealTime();
+
+// The same samples with a sweep each: 6 points from pH 6.5 and 140 points
+// from pH 12.95 down (7 and 141 output rows per sample).
+void BM_SweptSamples(benchmark::State& state) {
+    const int rows = static_cast<int>(state.range(0));
+    const int steps = static_cast<int>(state.range(1));
+    const std::string input = samples(rows);
+    const Options options =
+        parseCommandLine({"--jobs", "1", "--sweep", steps == 5 ? "6.5,0.5,5" : "12.95,-0.05,140"});
+    run(state, input, options, rows, steps + 1);
+}
+BENCHMARK(BM_SweptSamples)
+    ->Args({100000, 5})
+    ->Args({10000, 140})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
 
 } // namespace

@@ -1,15 +1,17 @@
 #!/bin/sh
-# Times velmora-calc over a generated file of samples (measured point only):
-# samples per second and the peak memory, from /usr/bin/time -v.
+# Times velmora-calc over a generated file of samples: samples per second,
+# CPU time per sample and the peak memory, from /usr/bin/time -v.
 #
-#   bench/run-calc-throughput.sh [VELMORA_CALC [SAMPLES]]
+#   bench/run-calc-throughput.sh [VELMORA_CALC [SAMPLES [OPTION...]]]
 #
-# VELMORA_CALC defaults to build/batch/velmora-calc, SAMPLES to 1000000. The
-# output goes to /dev/null, so the figure is the calculator's, not the disk's.
+# VELMORA_CALC defaults to build/batch/velmora-calc, SAMPLES to 1000000; the
+# options are velmora-calc's (e.g. --jobs 2, --sweep 6.5,0.5,5). The output
+# goes to /dev/null, so the figure is the calculator's, not the disk's.
 set -eu
 
 calc=${1:-build/batch/velmora-calc}
 count=${2:-1000000}
+[ $# -gt 2 ] && shift 2 || set --
 
 if [ ! -x "$calc" ]; then
     echo "run-calc-throughput: no velmora-calc at $calc (build it first)" >&2
@@ -33,7 +35,7 @@ awk -v n="$count" 'BEGIN {
 }' > "$dir/samples.csv"
 
 status=0
-/usr/bin/time -v "$calc" "$dir/samples.csv" > /dev/null 2> "$dir/time.txt" || status=$?
+/usr/bin/time -v "$calc" "$@" "$dir/samples.csv" > /dev/null 2> "$dir/time.txt" || status=$?
 if [ "$status" -ne 0 ]; then
     echo "run-calc-throughput: velmora-calc exited with $status" >&2
     cat "$dir/time.txt" >&2
@@ -54,5 +56,6 @@ awk -v n="$count" -F': ' '
         printf "wall clock:       %.2f s (user %.2f s, system %.2f s)\n", wall, user, sys
         printf "samples/s (wall): %.0f\n", n / wall
         printf "samples/s (cpu):  %.0f\n", n / (user + sys)
+        printf "cpu per sample:   %.3f us\n", 1e6 * (user + sys) / n
         printf "max RSS:          %d KB\n", rss
     }' "$dir/time.txt"

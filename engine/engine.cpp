@@ -4,6 +4,7 @@
 
 #include <cfenv>
 #include <cmath>
+#include <cstring>
 
 namespace velmora {
 
@@ -193,9 +194,14 @@ void Engine::ionicactivity(EquationFlags& flags) {
     }
     if (flags.bldebye) {
         const double s = Sqrt(I, "ionic strength (square root)");
-        r.lanm = Pow10(-(1 * 0.5 * s), "monovalent activity coefficient");
-        r.land = Pow10(-(4 * 0.5 * s), "divalent activity coefficient");
-        r.lant = Pow10(-(9 * 0.5 * s), "trivalent activity coefficient");
+        if (const double* kept = limitingLaw_.find(s)) {
+            r.lanm = kept[0], r.land = kept[1], r.lant = kept[2];
+        } else {
+            r.lanm = Pow10(-(1 * 0.5 * s), "monovalent activity coefficient");
+            r.land = Pow10(-(4 * 0.5 * s), "divalent activity coefficient");
+            r.lant = Pow10(-(9 * 0.5 * s), "trivalent activity coefficient");
+            limitingLaw_.keep({r.lanm, r.land, r.lant});
+        }
     }
     if (flags.bledebye) {
         const double s = Sqrt(I, "ionic strength (square root)");
@@ -220,24 +226,38 @@ void Engine::ionicactivity(EquationFlags& flags) {
 // Carbonate equilibrium and saturation pH.
 
 void Engine::equilibriumconstants() {
-    prepareanalysis();
     AnalysisRecord& r = rec;
     const int i = sw.ipoint;
+    if (sweeping_) {
+        // everything but the pH's own terms is as the measured point left it
+        sw.alk(i) = swept_.alk;
+        pointfractions(i, swept_.k1k2);
+        return;
+    }
+    prepareanalysis();
 
-    const double dt = F(r.tk - 298.15, "temperature correction");
-    const double rt = F(r.tk * kRT25, "temperature correction");
-    const ConstantsAt25& at25 = constantsAt25();
-    r.k1 = F(at25.k1 * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
-    r.k2 = F(at25.k2 * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
-    r.kw = F(at25.kw * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
-    r.ks = F(4.8 * at25.ks * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
+    // the constants at this temperature, as computed the last time it was
+    // met (a run of samples meets the same temperatures again and again)
+    if (const double* k = temperatures_.find(r.tk)) {
+        r.k1 = k[0], r.k2 = k[1], r.kw = k[2], r.ks = k[3];
+        r.pk1 = k[4], r.pk2 = k[5], r.pkw = k[6], r.pks = k[7];
+    } else {
+        const double dt = F(r.tk - 298.15, "temperature correction");
+        const double rt = F(r.tk * kRT25, "temperature correction");
+        const ConstantsAt25& at25 = constantsAt25();
+        r.k1 = F(at25.k1 * Exp(D(kH1, rt, "k1") * dt, "k1"), "k1");
+        r.k2 = F(at25.k2 * Exp(D(kH2, rt, "k2") * dt, "k2"), "k2");
+        r.kw = F(at25.kw * Exp(D(kHw, rt, "kw") * dt, "kw"), "kw");
+        r.ks = F(4.8 * at25.ks * Exp(D(kHs, rt, "ks") * dt, "ks"), "ks");
 
-    r.pk1 = -Log10(r.k1, "pk1");
-    r.pk2 = -Log10(r.k2, "pk2");
-    r.pkw = -Log10(r.kw, "pkw");
-    r.pks = -Log10(r.ks, "pks");
+        r.pk1 = -Log10(r.k1, "pk1");
+        r.pk2 = -Log10(r.k2, "pk2");
+        r.pkw = -Log10(r.kw, "pkw");
+        r.pks = -Log10(r.ks, "pks");
+        temperatures_.keep({r.k1, r.k2, r.kw, r.ks, r.pk1, r.pk2, r.pkw, r.pks});
+    }
 
-    sw.ch(i) = Pow10(-sw.ph(i), "hydrogen-ion concentration");
+    sw.ch(i) = hydrogen(sw.ph(i));
     sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");
 
     const double lanm2 = F(r.lanm * r.lanm, "activity correction");
@@ -252,9 +272,27 @@ void Engine::equilibriumconstants() {
     r.pcks = -Log10(r.cks, "pcks");
     r.pca = -Log10(r.mca, "pCa (calcium)");
 
+    const double k1k2 = F(r.ck1 * r.ck2, "ionisation fractions");
+    swept_.alk = sw.alk(i);
+    swept_.k1k2 = k1k2;
+    pointfractions(i, k1k2);
+}
+
+double Engine::hydrogen(double ph) {
+    if (const double* h = hydrogen_.find(ph)) return *h;
+    const double h = Pow10(-ph, "hydrogen-ion concentration");
+    hydrogen_.keep({h});
+    return h;
+}
+
+void Engine::pointfractions(int i, double k1k2) {
+    const AnalysisRecord& r = rec;
+    if (sweeping_) {
+        sw.ch(i) = hydrogen(sw.ph(i));
+        sw.oh(i) = D(r.kw, sw.ch(i), "hydroxide concentration");
+    }
     const double h = sw.ch(i);
     const double h2 = F(h * h, "ionisation fractions");
-    const double k1k2 = F(r.ck1 * r.ck2, "ionisation fractions");
     sw.a0(i) = D(1, F(1 + D(r.ck1, h, "a0") + D(k1k2, h2, "a0"), "a0"), "a0");
     sw.a1(i) = D(1, F(D(h, r.ck1, "a1") + 1 + D(r.ck2, h, "a1"), "a1"), "a1");
     sw.a2(i) = D(1, F(D(h2, k1k2, "a2") + D(h, r.ck2, "a2") + 1, "a2"), "a2");
@@ -299,9 +337,12 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
     sw.palk(i) = -Log10(sw.alkt(i), "pAlk (alkalinity)");
 
     // saturation pH; the activity term is added as log lanm
-    sw.phs(i) = F(F(F(r.pck2 + r.pca, "saturation pH") - r.pcks + sw.palk(i), "saturation pH") -
-                      -Log10(r.lanm, "saturation pH (activity)"),
-                  "saturation pH");
+    if (!sweeping_) {
+        swept_.phsBase = F(r.pck2 + r.pca, "saturation pH") - r.pcks;
+        swept_.logLanm = -Log10(r.lanm, "saturation pH (activity)");
+    }
+    sw.phs(i) =
+        F(F(swept_.phsBase + sw.palk(i), "saturation pH") - swept_.logLanm, "saturation pH");
 
     // the eight indices
     const double ph = sw.ph(i);
@@ -312,7 +353,7 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
         F(1.465 * Log10(sw.alkmg(i), "equilibrium pH (alkalinity)") + 4.54, "equilibrium pH");
     sw.por(i) = F(2 * sw.phs(i) - sw.pheq(i), "Puckorius index");
     sw.alkeq(i) = F(sw.alkmg(i) / 50045, "alkalinity (eq/L)");
-    r.cahard = F(r.ca * 50 / 20.04, "calcium hardness");
+    if (!sweeping_) r.cahard = F(r.ca * 50 / 20.04, "calcium hardness");
     sw.co3dfi(i) = F(sw.co3(i) * 30 / 60, "driving force index");
     sw.dfi(i) = D(F(r.mca * sw.co3dfi(i), "driving force index"), r.cks, "driving force index");
 
@@ -332,15 +373,17 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
                        "aggressiveness index (alkalinity x calcium hardness)") +
                      ph,
                  "aggressiveness index");
-    sw.clmeq = F(r.cl / 35.453, "chloride (meq/L)");
-    sw.so4meq = F(r.so4 / (96.061 / 2), "sulphate (meq/L)");
+    if (!sweeping_) {
+        sw.clmeq = F(r.cl / 35.453, "chloride (meq/L)");
+        sw.so4meq = F(r.so4 / (96.061 / 2), "sulphate (meq/L)");
+    }
     sw.hco3meq(i) = F(sw.hco3(i) * 61000 / 61, "bicarbonate (meq/L)");
-    sw.lr(i) = D(F(sw.so4meq + sw.clmeq, "Larson-Skold index"), sw.hco3meq(i),
-                 "Larson-Skold index (bicarbonate)");
-    sw.sl(i) = D(F(F(r.land * r.mca, "saturation level") *
-                       F(r.land * sw.co3(i) * 30 / 50, "saturation level"),
-                   "saturation level"),
-                 r.cks, "saturation level");
+    if (!sweeping_) swept_.lrSum = F(sw.so4meq + sw.clmeq, "Larson-Skold index");
+    sw.lr(i) = D(swept_.lrSum, sw.hco3meq(i), "Larson-Skold index (bicarbonate)");
+    if (!sweeping_) swept_.landMca = F(r.land * r.mca, "saturation level");
+    sw.sl(i) = D(
+        F(swept_.landMca * F(r.land * sw.co3(i) * 30 / 50, "saturation level"), "saturation level"),
+        r.cks, "saturation level");
 
     if (observer_) observer_->pointCompleted(in.sweepChecked);
 }
@@ -370,7 +413,7 @@ void Engine::ionbalance(const EquationFlags& flags, const WindowInputs& in) {
         // carbonate or bicarbonate not entered: from the alkalinity at point 1
         auto carbonateAtPoint1 = [&]() {
             sw.ipoint = 1;
-            const auto ph = fmt::strictNumber(in.phText);
+            const auto ph = in.phValue ? in.phValue : fmt::strictNumber(in.phText);
             if (!ph)
                 throw EngineError(EngineError::Kind::BadConversion,
                                   "the pH text \"" + in.phText + "\" is not a number");
@@ -439,7 +482,7 @@ void Engine::copyMeasuredPoint() {
 
 CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in) {
     CalcOutcome out;
-    if (!in.sweepChecked && in.phText.empty()) {
+    if (!in.sweepChecked && !in.phValue && in.phText.empty()) {
         if (observer_)
             observer_->message("you Should enter TDS,T,pH,Mg,Ca and Alk values at least !",
                                "Velmora", MessageIcon::None);
@@ -447,21 +490,22 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
     }
 
     if (in.sweepChecked) {
-        auto strict = [](const std::string& text, const char* box) {
-            const auto v = fmt::strictNumber(text);
+        auto strict = [](const std::optional<double>& read, const std::string& text,
+                         const char* box) {
+            const auto v = read ? read : fmt::strictNumber(text);
             if (!v)
                 throw EngineError(EngineError::Kind::BadConversion,
                                   std::string("the ") + box + " \"" + text + "\" is not a number");
             return *v;
         };
-        sw.phstart = strict(in.initialText, "start pH");
-        sw.phincrement = strict(in.incrementText, "pH increment");
-        sw.phsteps = strict(in.stepText, "number of steps");
+        sw.phstart = strict(in.initialValue, in.initialText, "start pH");
+        sw.phincrement = strict(in.incrementValue, in.incrementText, "pH increment");
+        sw.phsteps = strict(in.stepValue, in.stepText, "number of steps");
     }
 
     // the measured point, into element 1 and copied to element 0
     sw.ipoint = 1;
-    sw.ph(1) = F(fmt::leadingNumber(in.phText), "measured pH");
+    sw.ph(1) = F(in.phValue ? *in.phValue : fmt::leadingNumber(in.phText), "measured pH");
     sw.ph(0) = sw.ph(1);
     computepoint(flags, in);
     copyMeasuredPoint();
@@ -476,6 +520,14 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
         // a point past the end of the arrays stops the sweep long before
         // the 16-bit point counter could run out
         sw.ipoint = 1; // an empty sweep leaves the counter at its start
+        // The analysis does not change during the sweep: what does not depend
+        // on pH is taken from the measured point, computed there by the same
+        // operations (and with its errors, which would have stopped the run).
+        struct Sweeping {
+            bool& flag;
+            ~Sweeping() { flag = false; }
+        } sweeping{sweeping_};
+        sweeping_ = true;
         for (int p = 1; p <= n; ++p) {
             sw.ipoint = static_cast<std::int16_t>(p);
             try {

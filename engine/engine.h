@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -111,6 +112,12 @@ struct WindowInputs {
     std::string initialText;   // Options dialog, txtinitialph
     std::string incrementText; // Options dialog, txtincrementph
     std::string stepText;      // Options dialog, txtstep
+    // The numbers of the texts above when the caller has read them already
+    // (the batch calculator reads each cell once): the engine uses them
+    // instead of reading the texts again, which may then be left empty. Each
+    // is set only for a text that is wholly a number (surrounding blanks
+    // allowed), and is its value.
+    std::optional<double> phValue, initialValue, incrementValue, stepValue;
 };
 
 enum class MessageIcon { None, Information, Warning, Critical };
@@ -172,7 +179,56 @@ public:
     void copyMeasuredPoint();
 
 private:
+    // The hydrogen and hydroxide of point i (during a sweep) and its
+    // ionisation fractions.
+    void pointfractions(int i, double k1k2);
+
     EngineObserver* observer_ = nullptr;
+    // The terms of a point that do not depend on pH, kept from the last point
+    // computed in full; during a sweep the points take them from there.
+    struct PhIndependent {
+        double alk = 0, k1k2 = 0, phsBase = 0, logLanm = 0, lrSum = 0, landMca = 0;
+    };
+    PhIndependent swept_;
+    bool sweeping_ = false;
+    // Values that depend on one number alone, kept by the bits of that number
+    // the first time they are computed (a run of samples meets the same
+    // temperatures, pH values and ionic strengths again and again): one
+    // computation, the same numbers. A direct-mapped table: a number that
+    // finds another in its place is computed again and takes the place.
+    template <int Bits, int N> class Kept {
+    public:
+        // The values kept for x, or null; then keep() them once computed.
+        const double* find(double x) {
+            std::memcpy(&key_, &x, sizeof key_);
+            slot_ = &slots_[(key_ * 0x9E3779B97F4A7C15u) >> (64 - Bits)];
+            return slot_->known && slot_->key == key_ ? slot_->values : nullptr;
+        }
+        void keep(const double (&values)[N]) {
+            slot_->known = true;
+            slot_->key = key_;
+            std::memcpy(slot_->values, values, sizeof values);
+        }
+
+    private:
+        struct Slot {
+            bool known = false;
+            std::uint64_t key = 0;
+            double values[N] = {};
+        };
+        Slot slots_[1 << Bits];
+        Slot* slot_ = nullptr;
+        std::uint64_t key_ = 0;
+    };
+    // the equilibrium constants and their logarithms, by absolute temperature
+    Kept<10, 8> temperatures_;
+    // the hydrogen-ion concentration, by pH
+    Kept<10, 1> hydrogen_;
+    // the limiting law's three activity coefficients, by the square root of
+    // the ionic strength
+    Kept<11, 3> limitingLaw_;
+
+    double hydrogen(double ph);
 };
 
 // The single engine of the program.

@@ -161,55 +161,77 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t';
 }
 
+// An exponent this large outweighs the digits of any text, so a larger one
+// is read as this one: the value is decided alike (far out of range, or zero).
+constexpr long long kExponentCap = 1'000'000'000'000'000;
+
 // The value of a number matched by the grammar, [sign] mantissa [exponent];
 // nothing when it is out of the range of a double. Values too small to be
-// told from zero read as zero.
+// told from zero read as zero. The value decides, never the length of the
+// text: the number is first brought to the form d.ddd...e<p>, with p the
+// power of ten of its first significant digit, so that neither thousands of
+// leading zeros nor a long exponent reach the conversion.
 std::optional<double> convert(std::string_view number) {
     bool negative = false;
     if (!number.empty() && (number[0] == '+' || number[0] == '-')) {
         negative = number[0] == '-';
         number.remove_prefix(1);
     }
+    const double zero = negative ? -0.0 : 0.0;
+    std::size_t i = 0;
+    long long intDigits = 0, leadingFractionZeros = 0;
+    bool seenPoint = false;
+    std::string digits; // the significant digits, trailing zeros dropped
+    std::size_t kept = 0;
+    for (; i < number.size() && number[i] != 'e' && number[i] != 'E'; ++i) {
+        const char c = number[i];
+        if (c == '.') {
+            seenPoint = true;
+            continue;
+        }
+        if (digits.empty() && c == '0') {
+            if (seenPoint) ++leadingFractionZeros;
+            continue;
+        }
+        if (!seenPoint) ++intDigits;
+        digits += c;
+        if (c != '0') kept = digits.size();
+    }
+    if (digits.empty()) return zero;
+    digits.resize(kept);
+    long long exponent = 0;
+    if (i < number.size()) {
+        std::string_view e = number.substr(i + 1);
+        bool eneg = false;
+        if (!e.empty() && (e[0] == '+' || e[0] == '-')) {
+            eneg = e[0] == '-';
+            e.remove_prefix(1);
+        }
+        for (char c : e) {
+            exponent = exponent * 10 + (c - '0');
+            if (exponent > kExponentCap) break;
+        }
+        if (eneg) exponent = -exponent;
+    }
+    const long long position = intDigits > 0 ? intDigits - 1 : -(leadingFractionZeros + 1);
+    const long long p = position + exponent;
+    // beyond 1.8e308, below the smallest subnormal 4.9e-324 by far
+    if (p > 400) return std::nullopt;
+    if (p < -400) return zero;
+    std::string text;
+    text.reserve(digits.size() + 8);
+    text += digits[0];
+    if (digits.size() > 1) {
+        text += '.';
+        text.append(digits, 1);
+    }
+    text += 'e';
+    text += std::to_string(p);
     double v = 0;
-    const auto r = std::from_chars(number.data(), number.data() + number.size(), v,
-                                   std::chars_format::general);
+    const auto r =
+        std::from_chars(text.data(), text.data() + text.size(), v, std::chars_format::general);
     if (r.ec == std::errc::result_out_of_range) {
-        // Decide between overflow and underflow from the decimal exponent of
-        // the first significant digit.
-        long position = 0; // power of ten of the first significant digit
-        bool seenPoint = false, found = false;
-        long intDigits = 0, leadingFractionZeros = 0;
-        std::size_t i = 0;
-        for (; i < number.size() && number[i] != 'e' && number[i] != 'E'; ++i) {
-            const char c = number[i];
-            if (c == '.') {
-                seenPoint = true;
-                continue;
-            }
-            if (!found && c == '0') {
-                if (seenPoint) ++leadingFractionZeros;
-                continue;
-            }
-            if (!found) found = true;
-            if (!seenPoint) ++intDigits;
-        }
-        if (!found) return negative ? -0.0 : 0.0;
-        position = intDigits > 0 ? intDigits - 1 : -(leadingFractionZeros + 1);
-        long exponent = 0;
-        if (i < number.size()) {
-            std::string_view e = number.substr(i + 1);
-            bool eneg = false;
-            if (!e.empty() && (e[0] == '+' || e[0] == '-')) {
-                eneg = e[0] == '-';
-                e.remove_prefix(1);
-            }
-            for (char c : e) {
-                exponent = exponent * 10 + (c - '0');
-                if (exponent > 100000) break; // far outside the range either way
-            }
-            if (eneg) exponent = -exponent;
-        }
-        if (position + exponent < 0) return negative ? -0.0 : 0.0;
+        if (p < 0) return zero;
         return std::nullopt;
     }
     if (r.ec != std::errc() || !std::isfinite(v)) return std::nullopt;
@@ -223,7 +245,7 @@ std::optional<double> convert(std::string_view number) {
 struct Scan {
     std::size_t length = 0;     // characters of the number; 0 when there is none
     std::uint64_t mantissa = 0; // the first 19 significant digits
-    int exp10 = 0;              // value = mantissa x 10^exp10 unless truncated
+    long long exp10 = 0;        // value = mantissa x 10^exp10 unless truncated
     bool truncated = false;     // nonzero significant digits beyond the 19th
     bool negative = false;
 };
@@ -231,7 +253,7 @@ struct Scan {
 // The exponent part, if any, of a number whose mantissa ends at i: adds it
 // to exp10 and returns the end of the number (a bare exponent letter is not
 // part of it).
-std::size_t scanExponent(std::string_view s, std::size_t i, int& exp10) {
+std::size_t scanExponent(std::string_view s, std::size_t i, long long& exp10) {
     const std::size_t n = s.size();
     if (i < n && (s[i] == 'e' || s[i] == 'E')) {
         std::size_t j = i + 1;
@@ -241,9 +263,9 @@ std::size_t scanExponent(std::string_view s, std::size_t i, int& exp10) {
             ++j;
         }
         const std::size_t start = j;
-        int e = 0;
+        long long e = 0;
         while (j < n && s[j] >= '0' && s[j] <= '9') {
-            if (e < 100000) e = e * 10 + (s[j] - '0');
+            if (e <= kExponentCap) e = e * 10 + (s[j] - '0');
             ++j;
         }
         if (j > start) {
@@ -315,7 +337,7 @@ Scan scanNumber(std::string_view s) {
     if (intDigits + fractionDigits > 19) return scanNumberCarefully(s);
     if (intDigits + fractionDigits == 0) return Scan{};
     r.mantissa = m;
-    r.exp10 = -static_cast<int>(fractionDigits);
+    r.exp10 = -static_cast<long long>(fractionDigits);
     r.length = scanExponent(s, i, r.exp10);
     return r;
 }
@@ -1067,16 +1089,33 @@ bool isNumber(std::string_view text) {
     return strictNumber(text).has_value();
 }
 
-std::optional<double> strictNumber(std::string_view text) {
-    double quick;
-    if (quickShortNumber(text, quick)) return quick;
+namespace {
+
+// Whatever quickShortNumber does not read.
+bool strictNumberSlowly(std::string_view text, double& value) {
     while (!text.empty() && isBlank(text.front()))
         text.remove_prefix(1);
     while (!text.empty() && isBlank(text.back()))
         text.remove_suffix(1);
     const Scan r = scanNumber(text);
-    if (r.length == 0 || r.length != text.size()) return std::nullopt;
-    return valueOf(r, text);
+    if (r.length == 0 || r.length != text.size()) return false;
+    const auto v = valueOf(r, text);
+    if (!v) return false;
+    value = *v;
+    return true;
+}
+
+} // namespace
+
+std::optional<double> strictNumber(std::string_view text) {
+    double value;
+    if (strictNumberTo(text, value)) return value;
+    return std::nullopt;
+}
+
+bool strictNumberTo(std::string_view text, double& value) {
+    if (quickShortNumber(text, value)) return true;
+    return strictNumberSlowly(text, value);
 }
 
 } // namespace velmora::fmt

@@ -68,5 +68,8 @@ bool isNumber(std::string_view text);
 
 // Strict conversion: the value when isNumber(text), nothing otherwise.
 std::optional<double> strictNumber(std::string_view text);
+// The same as a test: true and the value in `value` when isNumber(text)
+// (quicker where every cell of a file is read).
+bool strictNumberTo(std::string_view text, double& value);
 
 } // namespace velmora::fmt

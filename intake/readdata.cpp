@@ -26,12 +26,12 @@ ReadDataResult stop(const char* text, const char* title = kTitle) {
 
 // The leading-number reading of a box; a number too large for a double is
 // an overflow rather than a value.
-double value(const std::string& text, const char* box) {
-    const double v = fmt::leadingNumber(text);
+double value(const AnalysisValues::Box& box, const char* name) {
+    const double v = box.value;
     if (!std::isfinite(v))
         throw EngineError(EngineError::Kind::Overflow,
                           std::string(EngineError::kindText(EngineError::Kind::Overflow)) + " in " +
-                              box);
+                              name);
     return v;
 }
 
@@ -45,10 +45,24 @@ double finite(double v, const char* what) {
 
 } // namespace
 
+AnalysisValues analysisValues(const AnalysisTexts& b) {
+    auto box = [](const std::string& text) {
+        return AnalysisValues::Box{text.empty(), fmt::leadingNumber(text)};
+    };
+    return {box(b.tds), box(b.ec),  box(b.t),   box(b.ph), box(b.alk), box(b.ca), box(b.mg),
+            box(b.k),   box(b.na),  box(b.zn),  box(b.mn), box(b.fe),  box(b.al), box(b.hco3),
+            box(b.co3), box(b.no2), box(b.no3), box(b.f),  box(b.cl),  box(b.so4)};
+}
+
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlags& flags,
                             bool bllr) {
+    return readAnalysis(engine, analysisValues(b), flags, bllr, windowInputs(b));
+}
+
+ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& b, EquationFlags& flags,
+                            bool bllr, const WindowInputs& in) {
     AnalysisRecord& r = engine.rec;
-    const bool basicMissing = b.t.empty() || b.alk.empty() || b.ph.empty() || b.ca.empty();
+    const bool basicMissing = b.t.empty || b.alk.empty || b.ph.empty || b.ca.empty;
 
     // the three equation branches, each on its own
     if (flags.bllang) {
@@ -56,7 +70,7 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlag
         r.tds = value(b.tds, "dissolved solids (txttds)");
     }
     if (flags.blrus) {
-        if (b.ec.empty()) return stop(kRussellMessage);
+        if (b.ec.empty) return stop(kRussellMessage);
         const double ec = value(b.ec, "conductivity (txtec)");
         const double ec100 = finite(ec * 100, "conductivity x 100");
         r.ec = ec;
@@ -64,16 +78,16 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlag
     }
     if (flags.bllewis && basicMissing) return stop(kLewisMessage);
 
-    if (b.t.empty()) return stop(kLangelierMessage);
+    if (b.t.empty) return stop(kLangelierMessage);
     {
         const double temp = value(b.t, "temperature (txtt)");
         const double tk = finite(temp + 273.15, "absolute temperature");
         r.temp = temp;
         r.tk = tk;
     }
-    if (b.ca.empty()) return stop(kLangelierMessage);
+    if (b.ca.empty) return stop(kLangelierMessage);
     r.ca = value(b.ca, "calcium (txtca)");
-    if (b.alk.empty()) return stop(kAlkalinityMessage, kAlkalinityTitle);
+    if (b.alk.empty) return stop(kAlkalinityMessage, kAlkalinityTitle);
     r.alkin = value(b.alk, "alkalinity (txtalk)");
 
     if (bllr) {
@@ -99,7 +113,7 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlag
     }
 
     engine.ionicactivity(flags);
-    engine.ionbalance(flags, windowInputs(b));
+    engine.ionbalance(flags, in);
 
     ReadDataResult result;
     result.outcome =
@@ -116,10 +130,16 @@ WindowInputs windowInputs(const AnalysisTexts& boxes) {
 }
 
 std::optional<std::string> checkBoxText(std::string_view text, bool isPh) {
-    if (text.empty()) return std::nullopt;
-    const auto v = fmt::strictNumber(text);
-    if (!v) return std::string("You must enter a number!");
-    if (isPh && (*v <= 0 || *v > 14)) return std::string("pH must be a positive number up to 14 .");
+    double value;
+    switch (readBoxText(text, isPh, value)) {
+    case BoxCheck::NotANumber:
+        return std::string(kNotANumberMessage);
+    case BoxCheck::PhOutOfRange:
+        return std::string(kPhRangeMessage);
+    case BoxCheck::Empty:
+    case BoxCheck::Number:
+        break;
+    }
     return std::nullopt;
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "engine/numformat.h"
 
 #include <optional>
 #include <string>
@@ -17,6 +18,20 @@ struct AnalysisTexts {
     std::string tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al;
     std::string hco3, co3, no2, no3, f, cl, so4;
 };
+
+// The twenty boxes as numbers: for each, whether its text is empty and the
+// leading-number reading of that text (infinite when it is beyond a double).
+struct AnalysisValues {
+    struct Box {
+        bool empty = true;
+        double value = 0;
+    };
+    Box tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al;
+    Box hco3, co3, no2, no3, f, cl, so4;
+};
+
+// Every box's text read as Read Data reads it.
+AnalysisValues analysisValues(const AnalysisTexts& boxes);
 
 struct ReadDataResult {
     enum class Outcome {
@@ -37,6 +52,10 @@ struct ReadDataResult {
 // step is stored).
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& boxes, EquationFlags& flags,
                             bool bllr);
+// The same from boxes already read (the batch calculator reads each cell
+// once); `in` as windowInputs gives it for the boxes.
+ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& boxes, EquationFlags& flags,
+                            bool bllr, const WindowInputs& in);
 
 // The window inputs the engine reads during Read Data and Calculate.
 WindowInputs windowInputs(const AnalysisTexts& boxes);
@@ -47,6 +66,22 @@ WindowInputs windowInputs(const AnalysisTexts& boxes);
 // the text is empty or acceptable. Shown with the information icon under
 // kBoxMessageTitle.
 std::optional<std::string> checkBoxText(std::string_view text, bool isPh);
+
+// The check of checkBoxText and the box's number in one reading of the text.
+enum class BoxCheck { Empty, Number, NotANumber, PhOutOfRange };
+// `value` is the number for Number (and 0 for Empty), as Read Data reads it.
+inline BoxCheck readBoxText(std::string_view text, bool isPh, double& value) {
+    value = 0;
+    if (text.empty()) return BoxCheck::Empty;
+    // a text that is wholly a number reads the same as its leading number
+    double v;
+    if (!fmt::strictNumberTo(text, v)) return BoxCheck::NotANumber;
+    if (isPh && (v <= 0 || v > 14)) return BoxCheck::PhOutOfRange;
+    value = v;
+    return BoxCheck::Number;
+}
+inline constexpr const char* kNotANumberMessage = "You must enter a number!";
+inline constexpr const char* kPhRangeMessage = "pH must be a positive number up to 14 .";
 inline constexpr const char* kBoxMessageTitle = "Invalid input data";
 
 } // namespace velmora

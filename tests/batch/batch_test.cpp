@@ -4,13 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <pty.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -168,6 +172,31 @@ TEST(CsvReading, LineNumbersAndUnterminatedQuote) {
     }
     EXPECT_EQ(lines, (std::vector<long>{1, 3, 5, 6}));
     EXPECT_TRUE(unterminated);
+}
+
+// A line end inside a quoted field is one line whatever its kind, as it is
+// between records.
+TEST(CsvReading, LineEndsInsideQuotedFieldsAreCountedLikeAnyOther) {
+    struct Case {
+        const char* name;
+        std::string text;
+    };
+    const std::vector<Case> cases = {
+        {"lf", "h\n\"a\nb\"\nc\n\"d\n\ne\"\nf\n"},
+        {"crlf", "h\r\n\"a\r\nb\"\r\nc\r\n\"d\r\n\r\ne\"\r\nf\r\n"},
+        {"cr", "h\r\"a\rb\"\rc\r\"d\r\re\"\rf\r"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (std::size_t piece : {std::size_t{1}, std::size_t{2}, std::size_t{1} << 16}) {
+            StringSource source(c.text, piece);
+            CsvReader reader(source);
+            std::vector<long> lines;
+            while (reader.next())
+                lines.push_back(reader.line());
+            EXPECT_EQ(lines, (std::vector<long>{1, 2, 4, 5, 8}));
+        }
+    }
 }
 
 TEST(CsvReading, LineNumbersCountSkippedBlankOnlyLines) {
@@ -402,6 +431,12 @@ TEST(BatchRows, MessageRows) {
         {"bad_cell", {}, kHeader + "s,25,7.5,200,x,400,,,\n", kNumberMessage, ""},
         {"ph_out_of_range", {}, kHeader + "s,25,14.5,200,80,400,,,\n", kPhMessage, ""},
         {"out_of_range_number", {}, kHeader + "s,25,7.5,1e400,80,400,,,\n", kNumberMessage, ""},
+        // 7e900002 written with 100,000 zeros and a seven-digit exponent
+        {"out_of_range_long_text",
+         {},
+         kHeader + "s,25,7.5,200,80,0." + std::string(100000, '0') + "7e1000003,,,\n",
+         kNumberMessage,
+         ""},
         {"temperature_missing", {}, kHeader + "s,,7.5,200,80,400,,,\n", kTdsMessage, ""},
         {"alkalinity_missing_langelier", {}, kHeader + "s,25,7.5,,80,400,,,\n", kTdsMessage, ""},
         {"alkalinity_missing_russell",
@@ -755,6 +790,79 @@ TEST(BatchRows, WithoutSampleColumnTheSampleIsEmpty) {
     EXPECT_EQ(r.rows[0][kPoint], "0");
 }
 
+// The output of several workers is byte for byte that of one, with the same
+// exit status, on inputs of every kind: message rows, malformed rows, quoted
+// fields, CRLF, sweeps, shorter than a chunk, many chunks, empty.
+TEST(BatchRows, OutputIsTheSameWithAnyNumberOfWorkers) {
+    // a sample of each kind, in turn: computed, rejected cell, Read Data
+    // message, run-time error, quoted identifier, wrong field count, text
+    // after a closing quote, bad pH, a line end inside a quoted field
+    const std::vector<std::string> kinds = {
+        "w%d,25,7.5,200,80,400,24,50,60\n",
+        "bad%d,25,7.5,abc,80,400,24,50,60\n",
+        "missing%d,,7.5,200,80,400,24,50,60\n",
+        "zero%d,25,7.5,200,0,400,,,\n",
+        "\"q,\"\"%d\"\"\",12,8.1,150,60,300,10,20,30\r\n",
+        "short%d,25,7.5\n",
+        "\"mal\"x%d,25,7.5,200,80,400,24,50,60\n",
+        "ph%d,25,15,200,80,400,24,50,60\n",
+        "\"two\nlines %d\",30,6.9,90,40,250,5,10,20\n",
+    };
+    auto file = [&](int rows) {
+        std::string text = kHeader;
+        char line[128];
+        for (int i = 0; i < rows; ++i) {
+            std::snprintf(line, sizeof line,
+                          kinds[static_cast<std::size_t>(i) % kinds.size()].c_str(), i);
+            text += line;
+        }
+        return text;
+    };
+    struct Case {
+        const char* name;
+        std::string input;
+        std::vector<std::string> args;
+    };
+    const std::vector<Case> cases = {
+        {"one_row", file(1), {}},
+        {"shorter_than_a_chunk", file(50), {}},
+        {"many_chunks", file(7000), {}},
+        {"many_chunks_lewis", file(3000), {"--ionic", "lewis", "--larson-skold"}},
+        {"sweep", file(300), {"--sweep", "12.95,-0.05,140"}},
+        {"sweep_short", file(40), {"--sweep", "6.5,0.5,5", "--activity", "davies"}},
+        {"sweep_into_errors", file(200), {"--sweep", "3,-2,140"}},
+        {"header_only", kHeader, {}},
+        {"one_unterminated_row", kHeader + "\"open,25", {}},
+        {"empty", "", {}},
+    };
+    auto outcome = [](const std::string& input, std::vector<std::string> args, int jobs) {
+        args.push_back("--jobs=" + std::to_string(jobs));
+        const Options options = parseCommandLine(args);
+        StringSource source(input, 4096);
+        StringSink sink;
+        try {
+            return std::to_string(runBatch(options, source, sink)) + "\n" + sink.text;
+        } catch (const UsageError& e) {
+            return std::string("usage error: ") + e.what() + "\n" + sink.text;
+        }
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string one = outcome(c.input, c.args, 1);
+        for (int jobs : {2, 7})
+            EXPECT_TRUE(outcome(c.input, c.args, jobs) == one) << jobs << " workers";
+    }
+    // the inputs hold what they are meant to
+    const std::string many = outcome(file(7000), {}, 1);
+    EXPECT_EQ(many.rfind("1\n", 0), 0u); // message rows: exit status 1
+    for (const char* seen :
+         {"You must enter a number!", "run-time error", "fields where the header has",
+          "has text after its closing quote", "pH must be a positive", "\"q,\"\"4\"\"\",0,"}) {
+        EXPECT_NE(many.find(seen), std::string::npos) << seen;
+    }
+    EXPECT_EQ(outcome("", {}, 2), "usage error: the input has no header row\n");
+}
+
 TEST(BatchRows, OutputIsTheSameHoweverTheInputIsSplit) {
     std::ifstream f(VELMORA_EXAMPLES "/waters.csv", std::ios::binary);
     std::stringstream ss;
@@ -814,6 +922,16 @@ TEST(BatchCommandLine, Options) {
     // cannot be opened)
     EXPECT_EQ(parseCommandLine({}).input, "-");
     EXPECT_EQ(parseCommandLine({""}).input, "");
+    // workers: one per core unless told; the four spellings
+    EXPECT_EQ(parseCommandLine({}).jobs, 0);
+    EXPECT_GE(defaultJobs(), 1);
+    for (const auto& args : std::vector<std::vector<std::string>>{
+             {"--jobs", "3"}, {"--jobs=3"}, {"-j", "3"}, {"-j3"}, {"-j=3"}}) {
+        EXPECT_EQ(parseCommandLine(args).jobs, 3) << args[0];
+    }
+    EXPECT_TRUE(parseCommandLine({"-q"}).quiet);
+    EXPECT_TRUE(parseCommandLine({"--quiet"}).quiet);
+    EXPECT_FALSE(parseCommandLine({}).quiet);
 }
 
 // With --help the rest of the command line is not checked, wherever it stands.
@@ -904,6 +1022,15 @@ TEST(BatchCommandLine, UsageErrors) {
          {"--sweep", "7,2,5"},
          "--sweep: Step numbers must be less than 5 , 3 is better."},
         {"sweep_start_14", {"--sweep", "14,0.5,3"}, "--sweep: pH should not be more than 14"},
+        {"sweep_start_beyond_range_long_text",
+         {"--sweep", "0." + std::string(100000, '0') + "7e1000003,0.5,5"},
+         "--sweep: You must enter a positive number!"},
+        {"jobs_zero", {"--jobs", "0"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_text", {"-j", "two"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_too_many", {"-j257"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_fraction", {"--jobs=1.5"}, "--jobs needs a number of workers from 1 to 256"},
+        {"jobs_missing", {"--jobs"}, "option \"--jobs\" needs a value"},
+        {"quiet_with_value", {"--quiet=yes"}, "option \"--quiet\" takes no value"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -1119,15 +1246,33 @@ std::string manySamples(int rows) {
 
 TEST_F(Command, AReaderThatGoesAwayIsAWriteError) {
     write(path("in.csv"), manySamples(200));
-    // the status of velmora-calc itself, not of head
-    const std::string cmd = "( '" + std::string(VELMORA_CALC) + "' --sweep 7,0,140 '" +
-                            path("in.csv") + "' 2> '" + path("stderr") + "'; echo $? > '" +
-                            path("status") + "' ) | head -c 10 > '" + path("stdout") + "'";
+    for (const char* jobs : {"1", "2", "7"}) {
+        SCOPED_TRACE(jobs);
+        // the status of velmora-calc itself, not of head
+        const std::string cmd = "( '" + std::string(VELMORA_CALC) + "' --jobs " + jobs +
+                                " --sweep 7,0,140 '" + path("in.csv") + "' 2> '" + path("stderr") +
+                                "'; echo $? > '" + path("status") + "' ) | head -c 10 > '" +
+                                path("stdout") + "'";
+        ASSERT_EQ(std::system(cmd.c_str()), 0);
+        EXPECT_EQ(read(path("status")), "2\n"); // not 141: no death by SIGPIPE
+        EXPECT_EQ(out(), std::string(kOutputHeader).substr(0, 10));
+        EXPECT_EQ(err(), "velmora-calc: cannot write standard output: " +
+                             std::string(std::strerror(EPIPE)) + "\n");
+    }
+}
+
+// Standard input and output as pipes, with several workers: the output of
+// the file read directly.
+TEST_F(Command, PipesInAndOutWithSeveralWorkers) {
+    write(path("in.csv"), manySamples(300) + "bad,25,7.5,x,80,400,24,50,60\n");
+    EXPECT_EQ(run("--jobs 1 --sweep 6.5,0.5,5 '" + path("in.csv") + "'"), 1);
+    const std::string direct = out();
+    const std::string cmd = "cat '" + path("in.csv") + "' | ( '" + std::string(VELMORA_CALC) +
+                            "' --jobs 3 --sweep 6.5,0.5,5; echo $? > '" + path("status") +
+                            "' ) | cat > '" + path("stdout") + "'";
     ASSERT_EQ(std::system(cmd.c_str()), 0);
-    EXPECT_EQ(read(path("status")), "2\n"); // not 141: no death by SIGPIPE
-    EXPECT_EQ(out(), std::string(kOutputHeader).substr(0, 10));
-    EXPECT_EQ(err(), "velmora-calc: cannot write standard output: " +
-                         std::string(std::strerror(EPIPE)) + "\n");
+    EXPECT_EQ(read(path("status")), "1\n");
+    EXPECT_TRUE(out() == direct);
 }
 
 TEST_F(Command, AFailedWriteLeavesTheOutputFileUntouched) {
@@ -1185,6 +1330,101 @@ TEST_F(Command, OutputThroughASymbolicLinkReplacesTheFileItPointsTo) {
     ASSERT_EQ(::lstat(path("link.csv").c_str(), &st), 0);
     EXPECT_TRUE(S_ISLNK(st.st_mode));
     EXPECT_NE(read(path("real.csv")).find("\nworked,0,"), std::string::npos);
+}
+
+// The file replaced keeps its mode; one the user may not write is refused.
+TEST_F(Command, OutputFileKeepsItsModeAndAReadOnlyOneIsRefused) {
+    write(path("in.csv"), kHeader + kWorked);
+    for (mode_t mode : {0600, 0640, 0664}) {
+        SCOPED_TRACE(mode);
+        const std::string target = path("result.csv");
+        write(target, "old\n");
+        ASSERT_EQ(::chmod(target.c_str(), mode), 0);
+        EXPECT_EQ(run("-o '" + target + "' '" + path("in.csv") + "'"), 0);
+        struct stat st;
+        ASSERT_EQ(::stat(target.c_str(), &st), 0);
+        EXPECT_EQ(st.st_mode & 07777, mode);
+        EXPECT_NE(read(target).find("\nworked,0,"), std::string::npos);
+    }
+    const std::string locked = path("locked.csv");
+    write(locked, "keep me\n");
+    ASSERT_EQ(::chmod(locked.c_str(), 0444), 0);
+    EXPECT_EQ(run("-o '" + locked + "' '" + path("in.csv") + "'"), 2);
+    EXPECT_EQ(err().rfind("velmora-calc: cannot write " + locked + ": ", 0), 0u) << err();
+    EXPECT_EQ(out(), "");
+    EXPECT_EQ(read(locked), "keep me\n");
+    EXPECT_EQ(files(),
+              (std::vector<std::string>{"in.csv", "locked.csv", "result.csv", "stderr", "stdout"}));
+}
+
+// The progress report: only on a terminal, only after a second, cleared at
+// the end.
+TEST(Progress, OnlyOnATerminalAndAfterASecond) {
+    double now = 0;
+    auto clock = [&now] { return now; };
+    auto drain = [](int fd) {
+        std::string text;
+        char buf[4096];
+        for (ssize_t n; (n = ::read(fd, buf, sizeof buf)) > 0;)
+            text.append(buf, static_cast<std::size_t>(n));
+        return text;
+    };
+    // a pipe is not a terminal: nothing, however long the run
+    int pipeFds[2];
+    ASSERT_EQ(::pipe2(pipeFds, O_NONBLOCK), 0);
+    {
+        TerminalProgress progress(pipeFds[1], 1000, clock);
+        for (int i = 1; i <= 10; ++i) {
+            now = i;
+            progress.advance(100 * i, 100 * i);
+        }
+    }
+    EXPECT_EQ(drain(pipeFds[0]), "");
+    ::close(pipeFds[0]);
+    ::close(pipeFds[1]);
+
+    // a terminal: nothing in the first second, then rows, rate and percentage
+    int master = -1, slave = -1;
+    if (::openpty(&master, &slave, nullptr, nullptr, nullptr) != 0)
+        GTEST_SKIP() << "no pseudo-terminal here";
+    termios raw;
+    ASSERT_EQ(::tcgetattr(slave, &raw), 0);
+    ::cfmakeraw(&raw);
+    ASSERT_EQ(::tcsetattr(slave, TCSANOW, &raw), 0);
+    ::fcntl(master, F_SETFL, O_NONBLOCK);
+    now = 0;
+    {
+        TerminalProgress progress(slave, 1000, clock);
+        now = 0.5;
+        progress.advance(10, 100);
+        EXPECT_EQ(drain(master), "");
+        now = 2;
+        progress.advance(3000, 250);
+        EXPECT_EQ(drain(master), "\rvelmora-calc: 3000 rows, 1500 rows/s, 25%\033[K");
+        now = 2.1; // too soon for another refresh
+        progress.advance(3100, 260);
+        EXPECT_EQ(drain(master), "");
+    }
+    EXPECT_EQ(drain(master), "\r\033[K");
+    now = 2;
+    {
+        TerminalProgress unknownSize(slave, 0, clock);
+        now = 4.5;
+        unknownSize.advance(500, 100);
+        unknownSize.finish();
+    }
+    EXPECT_EQ(drain(master), "\rvelmora-calc: 500 rows, 200 rows/s\033[K\r\033[K");
+    ::close(master);
+    ::close(slave);
+}
+
+// Through the command: standard error a file, nothing but the output.
+TEST_F(Command, NoProgressWhenStandardErrorIsNotATerminal) {
+    write(path("in.csv"), manySamples(400));
+    EXPECT_EQ(run("--jobs 2 --sweep 12.95,-0.05,140 '" + path("in.csv") + "'"), 0);
+    EXPECT_EQ(err(), "");
+    const std::string output = out();
+    EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), 1 + 400 * 141);
 }
 
 } // namespace

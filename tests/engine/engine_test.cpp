@@ -1237,5 +1237,107 @@ TEST_F(EngineTest, AnionSumAbove800KeepsEitherPreviousVerdict) {
     EXPECT_EQ(obs.refreshes, 2);
 }
 
+// ---------------------------------------------------------------------------
+// Work done once: the sweep's pH-independent terms, the constants of a
+// temperature. The numbers must be those of the work done every time.
+
+// A sweep computed by calculate, against the same points each computed in
+// full (the measured point, then each sweep point on its own as the sweep
+// computed them before its constant terms were kept).
+TEST(EngineOnce, SweepPointsAreThosePointsComputedInFull) {
+    struct Case {
+        const char* name;
+        double temp, tds, alk, ca;
+        bool davies, lewis;
+        const char *ph, *start, *inc, *steps;
+    };
+    const std::vector<Case> cases = {
+        {"worked", 25, 400, 200, 80, false, false, "7.5", "6.5", "0.5", "5"},
+        {"long_falling", 12, 900, 320, 150, false, false, "8.1", "12.95", "-0.05", "140"},
+        {"through_the_measured_ph", 40, 250, 90, 30, true, false, "7", "6", "0.5", "4"},
+        {"davies_hot", 70, 1800, 30, 190, true, false, "6.2", "1", "0.1", "130"},
+        {"lewis", 18, 0, 150, 60, false, true, "7.3", "7.3", "0", "3"},
+    };
+    Engine swept; // one engine for all, as in a batch run: nothing of one sample stays
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Engine read;
+        read.rec.temp = c.temp;
+        read.rec.tds = c.tds;
+        read.rec.alkin = c.alk;
+        read.rec.ca = c.ca;
+        read.rec.mg = 10;
+        read.rec.cl = c.alk / 5;
+        read.rec.so4 = c.ca / 3;
+        EquationFlags flags;
+        flags.bllang = !c.lewis;
+        flags.bllewis = c.lewis;
+        flags.bldavies = c.davies;
+        if (c.lewis) {
+            read.rec.na = 30;
+            read.rec.hco3in = 180;
+            read.convertmolar();
+        }
+        read.rec.tk = c.temp + 273.15;
+        read.ionicactivity(flags);
+
+        swept.rec = read.rec;
+        swept.sw = SweepArrays{};
+        const WindowInputs in = sweep(c.ph, c.start, c.inc, c.steps);
+        const CalcOutcome out = swept.calculate(flags, in);
+        ASSERT_TRUE(out.computed);
+        ASSERT_FALSE(out.sweepError);
+
+        Engine full = read;
+        full.calculate(flags, noSweep(c.ph));
+        double ph = std::stod(c.start);
+        for (int p = 1; p <= out.sweepPoints; ++p) {
+            full.sw.ipoint = static_cast<std::int16_t>(p);
+            full.sw.ph(p) = ph;
+            full.computepoint(flags, in);
+            ph = std::stod(c.inc) + full.sw.ph(p);
+        }
+        for (auto a : kAllArrays)
+            for (int i = 0; i <= out.sweepPoints; ++i)
+                ASSERT_EQ((swept.sw.*a)(i), (full.sw.*a)(i)) << "element " << i;
+        for (auto f : kAllScalars)
+            EXPECT_EQ(swept.rec.*f, full.rec.*f);
+        EXPECT_EQ(swept.sw.ct, full.sw.ct);
+        EXPECT_EQ(swept.sw.clmeq, full.sw.clmeq);
+        EXPECT_EQ(swept.sw.so4meq, full.sw.so4meq);
+    }
+}
+
+// More temperatures than the engine keeps, met again in a scrambled order:
+// every time the constants of a fresh engine.
+TEST(EngineOnce, ConstantsOfATemperatureMetAgainAreThoseComputedAfresh) {
+    std::vector<double> temps;
+    for (int i = 0; i < 2500; ++i)
+        temps.push_back(-5 + 0.037 * i);
+    std::vector<double> order;
+    for (int round = 0; round < 2; ++round)
+        for (std::size_t i = 0; i < temps.size(); ++i)
+            order.push_back(
+                temps[(i * 7919 + static_cast<std::size_t>(round) * 13) % temps.size()]);
+    Engine kept;
+    for (double t : order) {
+        Engine fresh;
+        for (Engine* e : {&kept, &fresh}) {
+            e->rec.temp = t;
+            e->rec.ca = 80;
+            e->rec.alkin = 200;
+            e->rec.lanm = e->rec.land = e->rec.lant = 1;
+            e->sw.ipoint = 1;
+            e->sw.ph(1) = 7;
+            e->equilibriumconstants();
+        }
+        for (double AnalysisRecord::*f :
+             {&AnalysisRecord::k1, &AnalysisRecord::k2, &AnalysisRecord::kw, &AnalysisRecord::ks,
+              &AnalysisRecord::pk1, &AnalysisRecord::pk2, &AnalysisRecord::pkw,
+              &AnalysisRecord::pks, &AnalysisRecord::pck1, &AnalysisRecord::pcks})
+            ASSERT_EQ(kept.rec.*f, fresh.rec.*f) << "at " << t << " degrees";
+    }
+}
+
 } // namespace
 } // namespace velmora

@@ -565,3 +565,42 @@ TEST(NumFormat, IsNumberAndStrictNumber) {
 }
 
 } // namespace
+
+// Texts of hundreds of thousands of digits: the value they stand for decides
+// whether they are a number, never the length of the text or its exponent.
+TEST(NumFormat, LongTextsAreReadByTheirValue) {
+    const std::string zeros100k(100000, '0'), zeros200k(200000, '0');
+    struct Case {
+        const char* name;
+        std::string text;
+        bool number;
+        double value;
+    };
+    const std::vector<Case> cases = {
+        {"far_beyond_range", "0." + zeros100k + "7e1000003", false, 0},   // 7e900002
+        {"far_beyond_range_2", "0." + zeros200k + "1e1000010", false, 0}, // 1e800009
+        {"short_text_same_range", "1e800009", false, 0},
+        {"in_range_after_many_zeros", "0." + zeros100k + "7e100003", true, 700},
+        {"negative_in_range", "-0." + zeros100k + "25e100001", true, -2.5},
+        {"tiny", "0." + zeros100k + "7e-1000003", true, 0},
+        {"tiny_short_fraction", "7e-1000000000000000000000", true, 0},
+        {"huge_exponent_digits", "1e" + zeros200k + "5", true, 1e5},
+        {"many_integer_digits", "7" + zeros200k + "e-200000", true, 7},
+        {"many_integer_digits_overflow", "7" + zeros200k, false, 0},
+        {"just_beyond_largest", "1.8e308", false, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto v = fmt::strictNumber(c.text);
+        EXPECT_EQ(v.has_value(), c.number);
+        if (v && c.number) {
+            EXPECT_EQ(*v, c.value);
+        }
+        // the reading of a box's leading number agrees: out of range is infinite
+        const double lead = fmt::leadingNumber(c.text);
+        if (c.number)
+            EXPECT_EQ(lead, c.value);
+        else
+            EXPECT_TRUE(std::isinf(lead));
+    }
+}
