@@ -1,5 +1,7 @@
 #include "batch/batchcalc.h"
 
+#include "engine/ccpp.h"
+
 #include "engine/numformat.h"
 #include "options/sweepsettings.h"
 
@@ -164,6 +166,18 @@ Options (--opt value and --opt=value both work):
                       INCREMENT 0.1 to 2 (or 0 or less), STEPS 1 to 140, and
                       no sweep point above pH 14; a rejected sweep is a usage
                       error with the Options dialog's message
+  --ccpp              add the columns ccpp, ph_eq and ccpp_note: the calcium
+                      carbonate precipitation potential, the mg/L of CaCO3
+                      the water deposits (positive) or dissolves (negative)
+                      to reach saturation, and its pH once saturated
+  --crossings[=SET]   needs --sweep: add, for each index and threshold, the
+                      pH inside the swept range where the index equals the
+                      threshold (found by root finding on the sweep's own
+                      formulas; empty when there is none in the range). SET
+                      neutral (default): ph_li_0, ph_ri_6p5, ph_por_6,
+                      ph_ai_12, ph_ai_10, ph_dfi_1, ph_sl_1; table: every
+                      boundary of the interpretation tables of LI, RI, PSI,
+                      AI, DFI and SL ('.' written 'p', '-' written 'm')
   -j, --jobs N        compute with N workers (default: one for each core
                       the command may run on); the output is the same
   -q, --quiet         no progress report (it is shown only when standard
@@ -211,6 +225,18 @@ why), Calculate's message, a run-time error or a malformed row. For a
 run-time error point says where it happened: 0 for the measured point, k for
 sweep point k (the points before it are written, the sample ends there),
 empty while reading the analysis.
+With --ccpp and --crossings their columns stand just before message and are
+filled on the measured point's row only. Both are computed in a closed
+system, in this program's model: the measured water's ionic strength,
+activity coefficients and constants, no exchange of CO2 with the air and no
+ion pairs. CCPP: precipitating x mol/L of CaCO3 lowers calcium and total
+carbonate by x and the alkalinity by 2x; ccpp = 100090 x mg/L where the
+Langelier index of that water is 0, ph_eq its pH. ccpp_note says why no
+value exists: "no carbonate alkalinity", "all carbonate precipitates" (ccpp
+is then all the carbonate there is) or "not saturated after dissolving
+100090 mg/L". The worked sample (t 25, ph 7.5, alk 200, ca 80, tds 400)
+gives ccpp 10.949982089 and ph_eq 7.308343853, and with --sweep 6,0.1,39
+ph_li_0 7.275242468.
 Lines end in LF; a field is quoted only when it holds a comma, a quote or a
 line end.
 
@@ -324,6 +350,17 @@ Options parseCommandLine(const std::vector<std::string>& args) {
         } else if (name == "quiet") {
             noValue();
             o.quiet = true;
+        } else if (name == "ccpp") {
+            noValue();
+            o.ccpp = true;
+        } else if (name == "crossings") {
+            const std::string v = hasValue ? lower(value) : "neutral";
+            if (v == "neutral")
+                o.crossings = Options::Crossings::Neutral;
+            else if (v == "table")
+                o.crossings = Options::Crossings::Table;
+            else
+                fail("--crossings: unknown set \"" + value + "\" (neutral or table)");
         } else if (name == "jobs") {
             if (!takeValue()) continue;
             int n = 0;
@@ -351,6 +388,8 @@ Options parseCommandLine(const std::vector<std::string>& args) {
         }
     }
     if (o.help) return o;
+    if (error.empty() && o.crossings != Options::Crossings::None && !o.sweep)
+        fail("--crossings needs --sweep: the crossings are searched in the swept pH range");
     if (!error.empty()) throw UsageError(error);
     if (o.sweep) {
         OptionState state;
@@ -358,6 +397,33 @@ Options parseCommandLine(const std::vector<std::string>& args) {
         applySweepOptions(o, state, phstart);
     }
     return o;
+}
+
+namespace {
+
+const std::vector<Threshold>* crossingSet(const Options& o) {
+    switch (o.crossings) {
+    case Options::Crossings::None:
+        break;
+    case Options::Crossings::Neutral:
+        return &crossingThresholds(CrossingSet::Neutral);
+    case Options::Crossings::Table:
+        return &crossingThresholds(CrossingSet::Table);
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string outputHeader(const Options& o) {
+    std::string header = kOutputHeader;
+    std::string added;
+    if (o.ccpp) added += ",ccpp,ph_eq,ccpp_note";
+    if (const auto* set = crossingSet(o))
+        for (const Threshold& t : *set)
+            added += "," + t.column;
+    header.insert(header.size() - std::string_view(",message").size(), added);
+    return header;
 }
 
 EquationFlags equationFlags(const Options& o) {
@@ -589,6 +655,8 @@ Calculator::Calculator(const Options& options) : options_(options) {
         touched_ = static_cast<int>(std::clamp(n, 1.0, 140.0));
     }
     column_.assign(kAnalysisColumns + 1, -1);
+    if (options.ccpp) noExtras_ += ",,,";
+    if (const auto* set = crossingSet(options)) noExtras_.append(set->size(), ',');
     engine_.setObserver(&collector_);
     // the sweep boxes read once for all rows
     in_.sweepChecked = options.sweep;
@@ -663,13 +731,16 @@ void OutputBuffer::grow(std::size_t need) {
     capacity_ = capacity;
 }
 
-void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out) {
+void Calculator::pointRows(std::string_view sample, int last, const CalcOutcome& outcome,
+                           OutputBuffer& out) {
     const SweepArrays& s = engine_.sw;
     const AnalysisRecord& r = engine_.rec;
     // ionic to ct, then the ion balance's sums, written only when it ran
     const double same[] = {r.ionic, r.lanm, r.land, r.lant, s.ct, r.sumca, r.suman, r.diff};
     const std::size_t sameCount = flags_.bllewis ? std::size(same) : std::size(same) - 3;
     const std::string_view end = flags_.bllewis ? ",\n" : ",,,,\n";
+    const std::string_view gap = end.substr(0, end.size() - 2); // the ion balance left empty
+    const bool extras = !noExtras_.empty();
     // the columns of a point: ph, li to phs, ch, oh to co3
     auto point = [&](int p, OutputBuffer& row) {
         phTexts_.append(row, s.ph(p));
@@ -681,12 +752,19 @@ void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out)
                                     s.h2co3(p), s.hco3(p), s.co3(p)};
         row.appendNumbers(carbonate, std::size(carbonate));
     };
+    // the end of the measured point's row: the added columns hold its values
+    auto measuredEnd = [&](OutputBuffer& row) {
+        if (!extras) return row.append(end);
+        row.append(gap);
+        extraColumns(outcome, row);
+        row.append(",\n");
+    };
     if (last == 0) { // the measured point alone: nothing repeats
         appendField(out, sample);
         out.append(",0");
         point(0, out);
         out.appendNumbers(same, sameCount);
-        out.append(end);
+        measuredEnd(out);
         return;
     }
     head_.clear();
@@ -694,14 +772,48 @@ void Calculator::pointRows(std::string_view sample, int last, OutputBuffer& out)
     head_.append(',');
     tail_.clear();
     tail_.appendNumbers(same, sameCount);
-    tail_.append(end);
+    const std::size_t numbersEnd = tail_.size();
+    if (extras) {
+        tail_.append(gap);
+        tail_.append(noExtras_);
+        tail_.append(",\n");
+    } else {
+        tail_.append(end);
+    }
     for (int p = 0; p <= last; ++p) {
         out.append(head_.view());
         char buf[16];
         out.append(std::string_view(
             buf, static_cast<std::size_t>(std::to_chars(buf, buf + sizeof buf, p).ptr - buf)));
         point(p, out);
-        out.append(tail_.view());
+        if (p == 0 && extras) {
+            out.append(tail_.view().substr(0, numbersEnd));
+            measuredEnd(out);
+        } else {
+            out.append(tail_.view());
+        }
+    }
+}
+
+void Calculator::extraColumns(const CalcOutcome& outcome, OutputBuffer& out) const {
+    auto number = [&out](const std::optional<double>& v) {
+        out.append(',');
+        if (v) out.appendNumber(*v);
+    };
+    if (options_.ccpp) {
+        const CcppResult c = computeCcpp(engine_);
+        number(c.ccpp);
+        number(c.phEq);
+        out.append(',');
+        appendField(out, c.note);
+    }
+    if (const auto* set = crossingSet(options_)) {
+        const CrossingSet which = options_.crossings == Options::Crossings::Table
+                                      ? CrossingSet::Table
+                                      : CrossingSet::Neutral;
+        const std::vector<std::optional<double>> ph = findCrossings(engine_, outcome, which);
+        for (std::size_t i = 0; i < set->size(); ++i)
+            number(i < ph.size() ? ph[i] : std::nullopt);
     }
 }
 
@@ -720,6 +832,7 @@ void Calculator::messageRow(std::string_view sample, const std::string& point,
     } else {
         out.append(",,,");
     }
+    out.append(noExtras_);
     out.append(',');
     appendField(out, text);
     out.append('\n');
@@ -812,7 +925,7 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
     if (outcome.computed) {
         const int last = outcome.sweepError ? outcome.sweepErrorPoint - 1
                                             : std::min(outcome.sweepPoints, PointArray::kSize - 1);
-        pointRows(sample, std::max(last, 0), out);
+        pointRows(sample, std::max(last, 0), outcome, out);
         if (outcome.sweepError) {
             messageRow(sample, std::to_string(outcome.sweepErrorPoint),
                        runtimeText(*outcome.sweepError), false, out);
@@ -1063,7 +1176,7 @@ int runBatch(const Options& options, ByteSource& in, ByteSink& sink, ProgressSin
     reader.keepFields(reader.fieldCount());
 
     OutputBuffer out;
-    out.append(kOutputHeader);
+    out.append(outputHeader(options));
     out.append('\n');
     const int jobs = options.jobs > 0 ? options.jobs : defaultJobs();
     if (jobs == 1) return runOneWorker(calc, reader, counted, out, sink, progress);

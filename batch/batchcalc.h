@@ -39,6 +39,9 @@ struct Options {
     int jobs = 0;                                       // workers; 0: one per core
     bool quiet = false;                                 // no progress report
     bool help = false;
+    bool ccpp = false; // the ccpp, ph_eq and ccpp_note columns
+    enum class Crossings { None, Neutral, Table };
+    Crossings crossings = Crossings::None; // the pH columns of the index crossings
 };
 
 // The number of cores the process may run on (at least 1): the default of
@@ -57,10 +60,14 @@ const char* helpText();
 // The equation flags the options stand for, before the engine applies its defaults.
 EquationFlags equationFlags(const Options& options);
 
-// The header of the output.
+// The header of the output without the columns of --ccpp and --crossings.
 inline constexpr const char* kOutputHeader =
     "sample,point,ph,li,ri,por,ai,dfi,lr,me,sl,phs,ch,oh,a0,a1,a2,h2co3,hco3,co3,ionic,lanm,"
     "land,lant,ct,sumca,suman,diff,message";
+
+// The header for these options: the columns the options add stand just
+// before message.
+std::string outputHeader(const Options& options);
 
 // ---------------------------------------------------------------------------
 // Byte streams, so that the batch runs on files, pipes and strings alike.
@@ -350,9 +357,12 @@ private:
                                                    OutputBuffer& out) const;
     // The point rows of a computed sample: what is the same in each of them
     // is written to text once.
-    void pointRows(std::string_view sample, int last, OutputBuffer& out);
+    void pointRows(std::string_view sample, int last, const CalcOutcome& outcome,
+                   OutputBuffer& out);
     void messageRow(std::string_view sample, const std::string& point, std::string_view text,
                     bool balance, OutputBuffer& out) const;
+    // The measured point's columns of --ccpp and --crossings, each after a comma.
+    void extraColumns(const CalcOutcome& outcome, OutputBuffer& out) const;
 
     Options options_;
     OptionState applied_;     // the options as Apply left them
@@ -365,6 +375,7 @@ private:
     AnalysisValues values_;    // the row's cells as numbers
     WindowInputs in_;          // what the engine reads from the windows
     OutputBuffer head_, tail_; // a sample's text before the point, after the co3 column
+    std::string noExtras_;     // the added columns left empty: a comma each
     KeptTexts phTexts_, hydrogenTexts_;
 };
 

@@ -831,6 +831,7 @@ TEST(BatchRows, OutputIsTheSameWithAnyNumberOfWorkers) {
         {"sweep", file(300), {"--sweep", "12.95,-0.05,140"}},
         {"sweep_short", file(40), {"--sweep", "6.5,0.5,5", "--activity", "davies"}},
         {"sweep_into_errors", file(200), {"--sweep", "3,-2,140"}},
+        {"ccpp_and_crossings", file(500), {"--ccpp", "--crossings=table", "--sweep", "6,0.5,8"}},
         {"header_only", kHeader, {}},
         {"one_unterminated_row", kHeader + "\"open,25", {}},
         {"empty", "", {}},
@@ -861,6 +862,48 @@ TEST(BatchRows, OutputIsTheSameWithAnyNumberOfWorkers) {
         EXPECT_NE(many.find(seen), std::string::npos) << seen;
     }
     EXPECT_EQ(outcome("", {}, 2), "usage error: the input has no header row\n");
+}
+
+// The columns of --ccpp and --crossings: before message, filled on the
+// measured point's row only, the numbers the definitions give for the worked
+// sample.
+TEST(BatchRows, CcppAndCrossingColumns) {
+    const std::string input = "sample,t,ph,alk,ca,tds\n"
+                              "worked,25,7.5,200,80,400\n"
+                              "bad,25,7.5,x,80,400\n";
+    const std::vector<std::string> neutral = {"ph_li_0",  "ph_ri_6p5", "ph_por_6", "ph_ai_12",
+                                              "ph_ai_10", "ph_dfi_1",  "ph_sl_1"};
+    const Result r = calc(input, {"--ccpp", "--crossings", "--sweep", "6,0.1,39"});
+    const Rows header = readAll(r.text.substr(0, r.text.find('\n') + 1));
+    ASSERT_EQ(header.size(), 1u);
+    std::vector<std::string> added(header[0].begin() + kMessage, header[0].end() - 1);
+    std::vector<std::string> expected = {"ccpp", "ph_eq", "ccpp_note"};
+    expected.insert(expected.end(), neutral.begin(), neutral.end());
+    EXPECT_EQ(added, expected);
+    EXPECT_EQ(header[0].back(), "message");
+
+    ASSERT_EQ(r.rows.size(), 41u); // the measured point, 39 sweep points, a message row
+    const auto& measured = r.rows[0];
+    ASSERT_EQ(measured.size(), header[0].size());
+    EXPECT_NEAR(num(measured[kMessage]), 10.949982089, 1e-9);
+    EXPECT_NEAR(num(measured[kMessage + 1]), 7.308343853, 1e-9);
+    EXPECT_EQ(measured[kMessage + 2], "");
+    EXPECT_NEAR(num(measured[kMessage + 3]), 7.275242468, 1e-9);
+    EXPECT_EQ(measured.back(), "");
+    for (std::size_t i = 1; i < r.rows.size(); ++i) {
+        ASSERT_EQ(r.rows[i].size(), header[0].size()) << i;
+        for (std::size_t c = kMessage; c + 1 < r.rows[i].size(); ++c)
+            EXPECT_EQ(r.rows[i][c], "") << i << " " << c;
+    }
+    EXPECT_EQ(r.rows.back().back(), kNumberMessage);
+    EXPECT_EQ(r.status, 1);
+
+    // a note is a result: no message row, no change of the exit status
+    const Result note = calc("t,ph,alk,ca,tds\n25,11.5,2,80,400\n", {"--ccpp"});
+    ASSERT_EQ(note.rows.size(), 1u);
+    EXPECT_EQ(note.rows[0][kMessage], "");
+    EXPECT_EQ(note.rows[0][kMessage + 2], "no carbonate alkalinity");
+    EXPECT_EQ(note.status, 0);
 }
 
 TEST(BatchRows, OutputIsTheSameHoweverTheInputIsSplit) {
@@ -993,6 +1036,11 @@ TEST(BatchCommandLine, UsageErrors) {
         {"first_of_two_mistakes", {"--fast", "--ionic", "debye"}, "unknown option \"--fast\""},
         {"value_starting_with_a_dash", {"--ionic", "-x"}, "--ionic: unknown equation \"-x\""},
         {"sweep_two_parts", {"--sweep", "7,0.5"}, "--sweep needs START,INCREMENT,STEPS"},
+        {"crossings_without_sweep", {"--crossings"}, "--crossings needs --sweep"},
+        {"crossings_unknown_set",
+         {"--crossings=all", "--sweep", "7,0.5,5"},
+         "--crossings: unknown set \"all\""},
+        {"ccpp_with_value", {"--ccpp=yes"}, "option \"--ccpp\" takes no value"},
         {"sweep_four_parts", {"--sweep", "7,0.5,5,1"}, "--sweep needs START,INCREMENT,STEPS"},
         // the Options dialog's messages, blanks included
         {"sweep_start_range",
