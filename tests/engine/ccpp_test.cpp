@@ -14,6 +14,7 @@
 #include "engine/ccpp.h"
 
 #include "engine/numformat.h"
+#include "results/interpretation.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,7 @@
 #include <limits>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -434,3 +436,25 @@ TEST(CcppAndCrossings, AlwaysFiniteOrEmpty) {
 
 } // namespace
 } // namespace velmora
+
+// The table set holds exactly the boundaries of each index's interpretation
+// table, as the Results window reads them.
+TEST(CrossingSets, TableIsEveryBoundaryOfTheInterpretationTables) {
+    const std::pair<velmora::SweepIndex, velmora::interp::Index> indices[] = {
+        {velmora::SweepIndex::Langelier, velmora::interp::Index::Langelier},
+        {velmora::SweepIndex::Ryznar, velmora::interp::Index::Ryznar},
+        {velmora::SweepIndex::Puckorius, velmora::interp::Index::Puckorius},
+        {velmora::SweepIndex::Aggressiveness, velmora::interp::Index::Aggressiveness},
+        {velmora::SweepIndex::DrivingForce, velmora::interp::Index::DrivingForce},
+        {velmora::SweepIndex::SaturationLevel, velmora::interp::Index::SaturationLevel},
+    };
+    for (const auto& [sweep, table] : indices) {
+        std::set<double> bounds, columns;
+        for (const auto& row : velmora::interp::table(table))
+            for (const auto& b : {row.range.low, row.range.high})
+                if (b.value) bounds.insert(*b.value);
+        for (const auto& t : velmora::crossingThresholds(velmora::CrossingSet::Table))
+            if (t.index == sweep) columns.insert(t.value);
+        EXPECT_EQ(columns, bounds) << velmora::interp::windowCaption(table);
+    }
+}
