@@ -445,7 +445,9 @@ std::string rounded(double x, int decimals) {
 std::string scientific(double x) {
     if (std::isnan(x)) return "NaN";
     if (std::isinf(x)) return x < 0 ? "-Infinity" : "Infinity";
-    Decimal d = shortestDecimal(x);
+    // 15 significant digits first, as a person reads the value: the double
+    // nearest 0.0297525 is 0.029752499999999998, and it shows 2.9753E-2
+    Decimal d = significantDecimal(x, 15);
     if (d.digits.empty()) return "0.000E0";
     roundDigits(d, 5, Halves::AwayFromZero);
     d.digits.resize(5, '0');

@@ -129,6 +129,9 @@ TEST(NumFormat, Scientific) {
         {"fourth_decimal_zero_dropped", 3.00001, "3.000E0"},
         {"big_exponent", 6.02214e23, "6.0221E23"},
         {"ionic_strength", 0.01, "1.000E-2"},
+        // 1190.1 mg/L of dissolved solids: 2.5e-5 x 1190.1 is the double below 0.0297525
+        {"half_at_fifteen_digits", 2.5e-5 * 1190.1, "2.9753E-2"},
+        {"below_half_at_fifteen_digits", 0.02975249999999, "2.9752E-2"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
