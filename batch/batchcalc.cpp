@@ -2,7 +2,7 @@
 
 #include "engine/ccpp.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 #include "options/sweepsettings.h"
 
 #include <algorithm>

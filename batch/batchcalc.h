@@ -4,8 +4,8 @@
 #pragma once
 
 #include "engine/engine.h"
-#include "engine/numformat.h"
 #include "intake/readdata.h"
+#include "numtext/numtext.h"
 #include "options/optionstate.h"
 
 #include <cstddef>

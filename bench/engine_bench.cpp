@@ -2,7 +2,7 @@
 // longest pH sweep the arrays hold, and the CCPP and crossings of a row.
 #include "engine/ccpp.h"
 #include "engine/engine.h"
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 #include "engine/ccpp.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <algorithm>
 #include <cmath>

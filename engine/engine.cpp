@@ -1,6 +1,6 @@
 #include "engine/engine.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <cfenv>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "graphs/chartspace.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <QBarSeries>
 #include <QBarSet>

@@ -1,9 +1,9 @@
 #include "graphs/frmgraphresult.h"
 
 #include "engine/engine.h"
-#include "engine/numformat.h"
 #include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
+#include "numtext/numtext.h"
 #include "options/optionstate.h"
 #include "platform/platform.h"
 

@@ -1,6 +1,6 @@
 #include "intake/readdata.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <cmath>
 

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "engine/engine.h"
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <optional>
 #include <string>

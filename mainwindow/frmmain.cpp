@@ -2,10 +2,10 @@
 
 #include "app/frmabout.h"
 #include "app/programpicture.h"
-#include "engine/numformat.h"
 #include "graphs/frmgraphresult.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/properties.h"
+#include "numtext/numtext.h"
 #include "options/frmactivity.h"
 #include "options/frmionic.h"
 #include "options/frmoptions.h"

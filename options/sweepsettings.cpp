@@ -1,6 +1,6 @@
 #include "options/sweepsettings.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <cmath>
 #include <iterator>

@@ -1,6 +1,6 @@
 #include "report/reportlayout.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 #include "results/frmmore.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 #include "results/frmsymbols.h"
 #include "results/windowsupport.h"
 

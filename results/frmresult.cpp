@@ -1,7 +1,7 @@
 #include "results/frmresult.h"
 
-#include "engine/numformat.h"
 #include "mainwindow/frmmain.h"
+#include "numtext/numtext.h"
 #include "platform/platform.h"
 #include "results/frmenterper.h"
 #include "results/frmmore.h"

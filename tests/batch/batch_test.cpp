@@ -1,6 +1,6 @@
 #include "batch/batchcalc.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <gtest/gtest.h>
 

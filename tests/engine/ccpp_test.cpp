@@ -13,7 +13,7 @@
 // nothing with the code under test but the record's constants.
 #include "engine/ccpp.h"
 
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 #include "results/interpretation.h"
 
 #include <gtest/gtest.h>

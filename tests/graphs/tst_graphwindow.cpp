@@ -1,9 +1,9 @@
 // The graph window driven through its controls, offscreen, handler by
 // handler: what each list choice and button draws from the sweep arrays.
 #include "engine/engine.h"
-#include "engine/numformat.h"
 #include "graphs/frmgraphresult.h"
 #include "mainwindow/frmmain.h"
+#include "numtext/numtext.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
 #include "tests/support/guitest.h"

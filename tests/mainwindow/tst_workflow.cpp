@@ -4,9 +4,9 @@
 // results, and whole sessions typed from the first key to "End of analysis ".
 #include "app/startup.h"
 #include "engine/engine.h"
-#include "engine/numformat.h"
 #include "mainwindow/formsupport.h"
 #include "mainwindow/frmmain.h"
+#include "numtext/numtext.h"
 #include "options/frmactivity.h"
 #include "options/frmionic.h"
 #include "options/frmoptions.h"

@@ -1,4 +1,4 @@
-#include "engine/numformat.h"
+#include "numtext/numtext.h"
 
 #include <gtest/gtest.h>
 
