@@ -5,6 +5,8 @@
 #                       then velmora-calc's tests under ThreadSanitizer
 #   ./velmora.sh calc   build and run velmora-calc on the bundled example waters
 #   ./velmora.sh package  build the Debian package into build/ and print its path
+#   ./velmora.sh coverage run every test on a build with coverage counters, then the
+#                         program's line and branch coverage (gcovr; tests and benchmarks left out)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -73,8 +75,21 @@ test)
     cmake --build build-tsan -j"$(nproc)" --target batch_tests
     TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" build-tsan/tests/batch/batch_tests
     ;;
+coverage)
+    PACKAGES+=(gcovr)
+    install_deps
+    test_env
+    build build-cov -DCMAKE_BUILD_TYPE=Debug -DVELMORA_COVERAGE=ON -DVELMORA_BENCHMARKS=OFF \
+        -DVELMORA_PACKAGING=OFF
+    find build-cov -name '*.gcda' -delete
+    # one test at a time: the counters of a library are merged into one file
+    (cd build-cov && ctest >/dev/null) || echo "some tests failed" >&2
+    gcovr -r . --object-directory build-cov --exclude 'tests/' --exclude 'bench/' \
+        --exclude 'build.*/' \
+        --print-summary -o build-cov/coverage.txt
+    ;;
 *)
-    echo "usage: $0 run|test|calc|package" >&2
+    echo "usage: $0 run|test|calc|package|coverage" >&2
     exit 2
     ;;
 esac
