@@ -28,24 +28,11 @@ namespace velmora::batch {
 
 namespace {
 
-// The analysis columns in the order their cells are checked, with the box
-// each one stands for; then the sample identifier.
-struct Column {
-    const char* name;
-    AnalysisValues::Box AnalysisValues::*box;
-};
-constexpr Column kColumns[] = {
-    {"tds", &AnalysisValues::tds}, {"ec", &AnalysisValues::ec},     {"t", &AnalysisValues::t},
-    {"ph", &AnalysisValues::ph},   {"alk", &AnalysisValues::alk},   {"ca", &AnalysisValues::ca},
-    {"mg", &AnalysisValues::mg},   {"k", &AnalysisValues::k},       {"na", &AnalysisValues::na},
-    {"zn", &AnalysisValues::zn},   {"mn", &AnalysisValues::mn},     {"fe", &AnalysisValues::fe},
-    {"al", &AnalysisValues::al},   {"hco3", &AnalysisValues::hco3}, {"co3", &AnalysisValues::co3},
-    {"no2", &AnalysisValues::no2}, {"no3", &AnalysisValues::no3},   {"f", &AnalysisValues::f},
-    {"cl", &AnalysisValues::cl},   {"so4", &AnalysisValues::so4},
-};
-constexpr std::size_t kAnalysisColumns = std::size(kColumns);
+// The analysis columns are the fields, in their order (the order their
+// cells are checked); then the sample identifier.
+constexpr std::size_t kAnalysisColumns = kFieldCount;
 constexpr std::size_t kSampleColumn = kAnalysisColumns; // index of "sample" in Calculator::column_
-constexpr std::size_t kPhColumn = 3;
+constexpr std::size_t kPhColumn = static_cast<std::size_t>(Field::ph);
 // Fields of the header the reader keeps: one more than there are names.
 constexpr std::size_t kHeaderFields = kAnalysisColumns + 2;
 
@@ -686,7 +673,7 @@ void Calculator::setHeader(const CsvReader& header) {
         const std::string_view raw = trim(header.field(i));
         const std::string name = lower(raw);
         std::size_t c = 0;
-        while (c < kAnalysisColumns && name != kColumns[c].name)
+        while (c < kAnalysisColumns && name != kFields[c].name)
             ++c;
         if (c == kAnalysisColumns && name != "sample")
             throw UsageError("unknown column \"" + std::string(raw) + "\" in the header");
@@ -879,8 +866,8 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
     // column order (the first bad one reports)
 #pragma GCC unroll 20
     for (std::size_t c = 0; c < kAnalysisColumns; ++c) {
-        AnalysisValues::Box& box = values_.*kColumns[c].box;
-        box = AnalysisValues::Box{};
+        BoxValue& box = values_.of[c];
+        box = BoxValue{};
         if (column_[c] < 0) continue;
         const BoxCheck check = readBoxText(record.field(static_cast<std::size_t>(column_[c])),
                                            c == kPhColumn, box.value);
@@ -893,9 +880,9 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
     // (the pH text itself is not needed: an empty cell leaves it empty, a
     // number is given as read)
     in_.phValue.reset();
-    if (!values_.ph.empty) in_.phValue = values_.ph.value;
-    in_.hco3Empty = values_.hco3.empty;
-    in_.co3Empty = values_.co3.empty;
+    if (!values_[Field::ph].empty) in_.phValue = values_[Field::ph].value;
+    in_.hco3Empty = values_[Field::hco3].empty;
+    in_.co3Empty = values_[Field::co3].empty;
 
     freshProgram();
     try {

@@ -26,7 +26,7 @@ ReadDataResult stop(const char* text, const char* title = kTitle) {
 
 // The leading-number reading of a box; a number too large for a double is
 // an overflow rather than a value.
-double value(const AnalysisValues::Box& box, const char* name) {
+double value(const BoxValue& box, const char* name) {
     const double v = box.value;
     if (!std::isfinite(v))
         throw EngineError(EngineError::Kind::Overflow,
@@ -46,12 +46,10 @@ double finite(double v, const char* what) {
 } // namespace
 
 AnalysisValues analysisValues(const AnalysisTexts& b) {
-    auto box = [](const std::string& text) {
-        return AnalysisValues::Box{text.empty(), fmt::leadingNumber(text)};
-    };
-    return {box(b.tds), box(b.ec),  box(b.t),   box(b.ph), box(b.alk), box(b.ca), box(b.mg),
-            box(b.k),   box(b.na),  box(b.zn),  box(b.mn), box(b.fe),  box(b.al), box(b.hco3),
-            box(b.co3), box(b.no2), box(b.no3), box(b.f),  box(b.cl),  box(b.so4)};
+    AnalysisValues v;
+    for (std::size_t i = 0; i < kFieldCount; ++i)
+        v.of[i] = BoxValue{b.of[i].empty(), fmt::leadingNumber(b.of[i])};
+    return v;
 }
 
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlags& flags,
@@ -62,53 +60,54 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlag
 ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& b, EquationFlags& flags,
                             bool bllr, const WindowInputs& in) {
     AnalysisRecord& r = engine.rec;
-    const bool basicMissing = b.t.empty || b.alk.empty || b.ph.empty || b.ca.empty;
+    const bool basicMissing =
+        b[Field::t].empty || b[Field::alk].empty || b[Field::ph].empty || b[Field::ca].empty;
 
     // the three equation branches, each on its own
     if (flags.bllang) {
         if (basicMissing) return stop(kLangelierMessage);
-        r.tds = value(b.tds, "dissolved solids (txttds)");
+        r.tds = value(b[Field::tds], "dissolved solids (txttds)");
     }
     if (flags.blrus) {
-        if (b.ec.empty) return stop(kRussellMessage);
-        const double ec = value(b.ec, "conductivity (txtec)");
+        if (b[Field::ec].empty) return stop(kRussellMessage);
+        const double ec = value(b[Field::ec], "conductivity (txtec)");
         const double ec100 = finite(ec * 100, "conductivity x 100");
         r.ec = ec;
         r.ec100 = ec100;
     }
     if (flags.bllewis && basicMissing) return stop(kLewisMessage);
 
-    if (b.t.empty) return stop(kLangelierMessage);
+    if (b[Field::t].empty) return stop(kLangelierMessage);
     {
-        const double temp = value(b.t, "temperature (txtt)");
+        const double temp = value(b[Field::t], "temperature (txtt)");
         const double tk = finite(temp + 273.15, "absolute temperature");
         r.temp = temp;
         r.tk = tk;
     }
-    if (b.ca.empty) return stop(kLangelierMessage);
-    r.ca = value(b.ca, "calcium (txtca)");
-    if (b.alk.empty) return stop(kAlkalinityMessage, kAlkalinityTitle);
-    r.alkin = value(b.alk, "alkalinity (txtalk)");
+    if (b[Field::ca].empty) return stop(kLangelierMessage);
+    r.ca = value(b[Field::ca], "calcium (txtca)");
+    if (b[Field::alk].empty) return stop(kAlkalinityMessage, kAlkalinityTitle);
+    r.alkin = value(b[Field::alk], "alkalinity (txtalk)");
 
     if (bllr) {
-        r.so4 = value(b.so4, "sulphate (txtso4)");
-        r.cl = value(b.cl, "chloride (txtcl)");
+        r.so4 = value(b[Field::so4], "sulphate (txtso4)");
+        r.cl = value(b[Field::cl], "chloride (txtcl)");
     }
     if (flags.bllewis) {
-        r.mg = value(b.mg, "magnesium (txtmg)");
-        r.al = value(b.al, "aluminium (txtal)");
-        r.fe = value(b.fe, "iron (txtfe)");
-        r.mn = value(b.mn, "manganese (txtmn)");
-        r.zn = value(b.zn, "zinc (txtzn)");
-        r.so4 = value(b.so4, "sulphate (txtso4)");
-        r.cl = value(b.cl, "chloride (txtcl)");
-        r.f = value(b.f, "fluoride (txtf)");
-        r.na = value(b.na, "sodium (txtna)");
-        r.no3 = value(b.no3, "nitrate (txtno3)");
-        r.no2 = value(b.no2, "nitrite (txtno2)");
-        r.k = value(b.k, "potassium (txtk)");
-        r.co3in = value(b.co3, "carbonate (txtco3)");
-        r.hco3in = value(b.hco3, "bicarbonate (txthco3)");
+        r.mg = value(b[Field::mg], "magnesium (txtmg)");
+        r.al = value(b[Field::al], "aluminium (txtal)");
+        r.fe = value(b[Field::fe], "iron (txtfe)");
+        r.mn = value(b[Field::mn], "manganese (txtmn)");
+        r.zn = value(b[Field::zn], "zinc (txtzn)");
+        r.so4 = value(b[Field::so4], "sulphate (txtso4)");
+        r.cl = value(b[Field::cl], "chloride (txtcl)");
+        r.f = value(b[Field::f], "fluoride (txtf)");
+        r.na = value(b[Field::na], "sodium (txtna)");
+        r.no3 = value(b[Field::no3], "nitrate (txtno3)");
+        r.no2 = value(b[Field::no2], "nitrite (txtno2)");
+        r.k = value(b[Field::k], "potassium (txtk)");
+        r.co3in = value(b[Field::co3], "carbonate (txtco3)");
+        r.hco3in = value(b[Field::hco3], "bicarbonate (txthco3)");
         engine.convertmolar();
     }
 
@@ -123,9 +122,9 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& b, EquationFla
 
 WindowInputs windowInputs(const AnalysisTexts& boxes) {
     WindowInputs in;
-    in.phText = boxes.ph;
-    in.hco3Empty = boxes.hco3.empty();
-    in.co3Empty = boxes.co3.empty();
+    in.phText = boxes[Field::ph];
+    in.hco3Empty = boxes[Field::hco3].empty();
+    in.co3Empty = boxes[Field::co3].empty();
     return in;
 }
 

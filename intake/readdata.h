@@ -5,6 +5,7 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "intake/fields.h"
 #include "numtext/numtext.h"
 
 #include <optional>
@@ -13,22 +14,13 @@
 
 namespace velmora {
 
-// The texts of the twenty analysis boxes, exactly as typed.
-struct AnalysisTexts {
-    std::string tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al;
-    std::string hco3, co3, no2, no3, f, cl, so4;
+// A box as a number: whether its text is empty and the leading-number
+// reading of that text (infinite when it is beyond a double).
+struct BoxValue {
+    bool empty = true;
+    double value = 0;
 };
-
-// The twenty boxes as numbers: for each, whether its text is empty and the
-// leading-number reading of that text (infinite when it is beyond a double).
-struct AnalysisValues {
-    struct Box {
-        bool empty = true;
-        double value = 0;
-    };
-    Box tds, ec, t, ph, alk, ca, mg, k, na, zn, mn, fe, al;
-    Box hco3, co3, no2, no3, f, cl, so4;
-};
+using AnalysisValues = PerField<BoxValue>;
 
 // Every box's text read as Read Data reads it.
 AnalysisValues analysisValues(const AnalysisTexts& boxes);

@@ -44,6 +44,20 @@ namespace {
 
 constexpr int kToolbarHeightTwips = 420;
 
+// The box and label members of each field, in the order of Field.
+constexpr std::pair<QLineEdit * frmMain::*, QLabel * frmMain::*> kFieldMembers[kFieldCount] = {
+    {&frmMain::txttds, &frmMain::lbltds}, {&frmMain::txtec, &frmMain::lblec},
+    {&frmMain::txtt, &frmMain::lblt},     {&frmMain::txtph, &frmMain::lblph},
+    {&frmMain::txtalk, &frmMain::lblalk}, {&frmMain::txtca, &frmMain::lblca},
+    {&frmMain::txtmg, &frmMain::lblmg},   {&frmMain::txtk, &frmMain::lblk},
+    {&frmMain::txtna, &frmMain::lblna},   {&frmMain::txtzn, &frmMain::lblzn},
+    {&frmMain::txtmn, &frmMain::lblmn},   {&frmMain::txtfe, &frmMain::lblfe},
+    {&frmMain::txtal, &frmMain::lblal},   {&frmMain::txthco3, &frmMain::lblhco3},
+    {&frmMain::txtco3, &frmMain::lblco3}, {&frmMain::txtno2, &frmMain::lblno2},
+    {&frmMain::txtno3, &frmMain::lblno3}, {&frmMain::txtf, &frmMain::lblf},
+    {&frmMain::txtcl, &frmMain::lblcl},   {&frmMain::txtso4, &frmMain::lblso4},
+};
+
 // The client area: the toolbar sits at its top edge, stretched to its width,
 // and the controls are placed in client coordinates below it.
 class ClientArea : public QWidget {
@@ -306,53 +320,26 @@ void frmMain::buildControls() {
         b->setToolTip(tip);
         return b;
     };
-    // the labelled boxes of a frame, one per row: lbl<name> and txt<name>
-    struct Row {
-        QLabel*& label;
-        QLineEdit*& box;
-        const char* name;
-        const char* caption;
-        const char* tip;
-    };
-    auto rows = [&](QGroupBox* f, std::initializer_list<Row> list) {
-        int top = 285;
-        for (const Row& r : list) {
-            const QByteArray name(r.name);
-            r.label = label(f, "lbl" + name, QString::fromLatin1(r.caption));
-            r.box = box(f, "txt" + name, QString::fromLatin1(r.tip));
-            setTwipsGeometry(r.label, 120, top, 2400, 315);
-            setTwipsGeometry(r.box, 2520, top, 1215, 315);
-            top += 375;
-        }
-    };
-    const char* mgL = "As mg/L";
-
     frawater = frame(client, "frawater", QStringLiteral("Enter water characteristics below :"));
     Frame4 = frame(frawater, "Frame4", QString());
-    rows(Frame4, {{lblalk, txtalk, "alk", "  Alkalinity (ALK)   =", "As mg/L caco3"},
-                  {lblph, txtph, "ph", "  pH                      =    ", "Between 1 to 14"},
-                  {lblt, txtt, "t", "Temperture (T)     =  ", "T as Celsius "}});
     fratdsec = frame(frawater, "fratdsec", QString());
-    rows(fratdsec,
-         {{lbltds, txttds, "tds", "Dissolved solids (TDS) =", mgL},
-          {lblec, txtec, "ec", "Electrical conductivity  = ", "As Mili-Siemens per meter (mS/m)"}});
     frmcations = frame(frawater, "frmcations", QStringLiteral("cations :"));
-    rows(frmcations, {{lblca, txtca, "ca", "  Calcium as Ca             =", mgL},
-                      {lblmg, txtmg, "mg", "  Magnesium as Mg       =", mgL},
-                      {lblk, txtk, "k", "Potassium as K            =", mgL},
-                      {lblna, txtna, "na", "Sodium as Na              =", mgL},
-                      {lblzn, txtzn, "zn", "Zinc as Zn                   =", mgL},
-                      {lblmn, txtmn, "mn", "Manganese as Mn      =", mgL},
-                      {lblfe, txtfe, "fe", "Iron as Fe                    =", mgL},
-                      {lblal, txtal, "al", "Aluminium as AL          =", mgL}});
     frmanions = frame(frawater, "frmanions", QStringLiteral("Anions :"));
-    rows(frmanions, {{lblhco3, txthco3, "hco3", "Bicarbonate as HCO3   =", mgL},
-                     {lblco3, txtco3, "co3", "Carbonate as CO3        =", mgL},
-                     {lblno2, txtno2, "no2", "Nitrite as NO2              =", mgL},
-                     {lblno3, txtno3, "no3", "Nitrate as NO3             =", mgL},
-                     {lblf, txtf, "f", "Fluoride as F                 =", mgL},
-                     {lblcl, txtcl, "cl", "Chloride as Cl              =", mgL},
-                     {lblso4, txtso4, "so4", "Solphate as SO4         =", mgL}});
+    // the labelled boxes of the analysis, lbl<name> and txt<name>, one per row
+    // of their frame
+    QGroupBox* const frames[] = {Frame4, fratdsec, frmcations, frmanions};
+    for (const FieldInfo& fi : kFields) {
+        QGroupBox* f = frames[static_cast<int>(fi.group)];
+        const QByteArray name(fi.name);
+        QLabel* l = label(f, "lbl" + name, QString::fromLatin1(fi.caption));
+        QLineEdit* b = box(f, "txt" + name, QString::fromLatin1(fi.tip));
+        const int top = 285 + 375 * fi.row;
+        setTwipsGeometry(l, 120, top, 2400, 315);
+        setTwipsGeometry(b, 2520, top, 1215, 315);
+        const auto [boxMember, labelMember] = kFieldMembers[static_cast<std::size_t>(fi.field)];
+        this->*boxMember = b;
+        this->*labelMember = l;
+    }
 
     frasample = frame(client, "frasample", QStringLiteral("Sample properties :"));
     txtnam = box(frasample, "txtnam", QString());
@@ -516,34 +503,21 @@ void frmMain::setStatusText(const QString& text) {
     panel1_->setText(text);
 }
 
+QLineEdit* frmMain::box(Field f) const {
+    return this->*kFieldMembers[static_cast<std::size_t>(f)].first;
+}
+
 QList<QLineEdit*> frmMain::analysisBoxes() const {
-    return {txttds, txtec, txtt,  txtph,   txtalk, txtca,  txtmg,  txtk, txtna, txtzn,
-            txtmn,  txtfe, txtal, txthco3, txtco3, txtno2, txtno3, txtf, txtcl, txtso4};
+    QList<QLineEdit*> boxes;
+    for (const FieldInfo& fi : kFields)
+        boxes.append(box(fi.field));
+    return boxes;
 }
 
 AnalysisTexts frmMain::analysisTexts() const {
-    auto s = [](const QLineEdit* b) { return numberFromBox(b->text()); };
     AnalysisTexts t;
-    t.tds = s(txttds);
-    t.ec = s(txtec);
-    t.t = s(txtt);
-    t.ph = s(txtph);
-    t.alk = s(txtalk);
-    t.ca = s(txtca);
-    t.mg = s(txtmg);
-    t.k = s(txtk);
-    t.na = s(txtna);
-    t.zn = s(txtzn);
-    t.mn = s(txtmn);
-    t.fe = s(txtfe);
-    t.al = s(txtal);
-    t.hco3 = s(txthco3);
-    t.co3 = s(txtco3);
-    t.no2 = s(txtno2);
-    t.no3 = s(txtno3);
-    t.f = s(txtf);
-    t.cl = s(txtcl);
-    t.so4 = s(txtso4);
+    for (const FieldInfo& fi : kFields)
+        t[fi.field] = numberFromBox(box(fi.field)->text());
     return t;
 }
 

@@ -88,7 +88,8 @@ public:
     QString statusText() const;
     void setStatusText(const QString& text);
 
-    // The twenty analysis boxes in the order of the analysis record.
+    // The box of an analysis field, and all twenty in the order of Field.
+    QLineEdit* box(Field f) const;
     QList<QLineEdit*> analysisBoxes() const;
     AnalysisTexts analysisTexts() const;
 

@@ -20,20 +20,8 @@ report::ReportInputs frmMain::reportInputs() const {
     in.organization = p.organization;
     in.location = p.location;
 
-    const std::pair<std::string report::ReportInputs::*, const QLineEdit*> boxes[] = {
-        {&report::ReportInputs::tds, txttds},   {&report::ReportInputs::ec, txtec},
-        {&report::ReportInputs::alk, txtalk},   {&report::ReportInputs::t, txtt},
-        {&report::ReportInputs::ph, txtph},     {&report::ReportInputs::ca, txtca},
-        {&report::ReportInputs::k, txtk},       {&report::ReportInputs::na, txtna},
-        {&report::ReportInputs::zn, txtzn},     {&report::ReportInputs::al, txtal},
-        {&report::ReportInputs::fe, txtfe},     {&report::ReportInputs::mn, txtmn},
-        {&report::ReportInputs::cl, txtcl},     {&report::ReportInputs::f, txtf},
-        {&report::ReportInputs::no3, txtno3},   {&report::ReportInputs::no2, txtno2},
-        {&report::ReportInputs::so4, txtso4},   {&report::ReportInputs::co3, txtco3},
-        {&report::ReportInputs::hco3, txthco3},
-    };
-    for (const auto& [field, box] : boxes)
-        in.*field = box->text().toStdString();
+    for (const FieldInfo& fi : kFields)
+        in.analysis[fi.field] = box(fi.field)->text().toStdString();
 
     const EquationFlags& eq = theOptions().equations;
     in.bllang = eq.bllang;

@@ -44,28 +44,10 @@ private:
     int column_ = 0;
 };
 
-struct IonRow {
-    const char* label;
-    int gap;
-    const char* unit;
-    std::string ReportInputs::*field;
-};
-
-const IonRow kIonRows[] = {
-    {"Potassium as K", 10, "mg/L", &ReportInputs::k},
-    {"Sodium as Na", 12, "mg/L", &ReportInputs::na},
-    {"Zinc as Zn", 14, "mg/L", &ReportInputs::zn},
-    {"Aluminium as AL", 9, "mg/L", &ReportInputs::al},
-    {"Iron as Fe", 14, "mg/L", &ReportInputs::fe},
-    {"Manganese as Mn", 9, "mg/l", &ReportInputs::mn},
-    {"Cloride as Cl", 11, "mg/L", &ReportInputs::cl},
-    {"Fluoride as F", 11, "mg/L", &ReportInputs::f},
-    {"Nitrate as No3", 10, "mg/L", &ReportInputs::no3},
-    {"Nitrite as No2", 10, "mg/L", &ReportInputs::no2},
-    {"Solphate as So4", 9, "mg/L", &ReportInputs::so4},
-    {"Carbonate as Co3", 8, "mg/L", &ReportInputs::co3},
-    {"Bicarbonate as Hco3", 5, "mg/L", &ReportInputs::hco3},
-};
+// The ion rows of a Lewis and Randall analysis, in the report's order.
+constexpr Field kIonRows[] = {Field::k,   Field::na,  Field::zn,  Field::al,  Field::fe,
+                              Field::mn,  Field::cl,  Field::f,   Field::no3, Field::no2,
+                              Field::so4, Field::co3, Field::hco3};
 
 struct IndexRow {
     interp::Index index;
@@ -107,46 +89,35 @@ void sampleProperties(Statements& w, const ReportInputs& in) {
 }
 
 void analysisTable(Statements& w, const ReportInputs& in, const ReportStyle& st) {
+    // a row of the table: label, unit and value, with the blanks between them
+    auto row = [&](Field f, int beforeUnit, int afterUnit) -> Statements& {
+        const FieldInfo& fi = fieldInfo(f);
+        w.sp(10).text(fi.reportLabel).sp(beforeUnit).text(fi.reportUnit).sp(afterUnit);
+        return w.text(in.analysis[f]);
+    };
+    auto gap = [](Field f) { return fieldInfo(f).reportGap; };
     w.sp(2).text(" Water Characterisrics").sp(1).text(":").end();
     w.sp(2).lf().sp(15).text("Parameter").sp(10).text("Unit").sp(12).text("Value").lf();
     w.sp(12).rule(st.tableRule); // left open
-    if (in.bllang)
-        w.sp(2)
-            .lf()
-            .sp(10)
-            .text("Dissolved solids(TDS)")
-            .sp(3)
-            .text("mg / L")
-            .sp(10)
-            .text(in.tds)
-            .end();
-    if (in.blrus)
-        w.sp(2)
-            .lf()
-            .sp(10)
-            .text("Electrical conductivity(EC)")
-            .sp(3)
-            .text("mS/m")
-            .sp(2)
-            .text(in.ec)
-            .end();
+    if (in.bllang) {
+        w.sp(2).lf();
+        row(Field::tds, gap(Field::tds), 10).end();
+    }
+    if (in.blrus) {
+        w.sp(2).lf();
+        row(Field::ec, gap(Field::ec), 2).end();
+    }
     w.sp(2).lf();
-    w.sp(10)
-        .text("Alkalinity(ALK)")
-        .sp(st.alkBefore)
-        .text("mg/L as caco3")
-        .sp(st.alkAfter)
-        .text(in.alk)
-        .lf();
-    w.sp(10).text("Temperture(Tc)").sp(12).text("C").sp(14).text(in.t).lf();
-    w.sp(10).text("pH").sp(st.phBefore).text("-").sp(st.phAfter).text(in.ph).lf();
-    w.sp(10).text("Calcium as Ca").sp(11).text("mg/L").sp(13).text(in.ca).end();
+    row(Field::alk, st.alkBefore, st.alkAfter).lf();
+    row(Field::t, gap(Field::t), 14).lf();
+    row(Field::ph, st.phBefore, st.phAfter).lf();
+    row(Field::ca, gap(Field::ca), 13).end();
     if (in.bllewis) {
         bool first = true;
-        for (const IonRow& row : kIonRows) {
+        for (const Field f : kIonRows) {
             if (!first) w.lf();
             first = false;
-            w.sp(10).text(row.label).sp(row.gap).text(row.unit).sp(13).text(in.*row.field);
+            row(f, gap(f), 13);
         }
         w.end();
     }

@@ -8,6 +8,7 @@
 // time and date.
 #pragma once
 
+#include "intake/fields.h"
 #include "results/interpretation.h"
 
 #include <array>
@@ -26,7 +27,7 @@ struct ReportInputs {
     // the sample properties dialog
     std::string operatorName, familyName, samplingDate, organization, location;
     // the main window's boxes, exactly as typed
-    std::string tds, ec, alk, t, ph, ca, k, na, zn, al, fe, mn, cl, f, no3, no2, so4, co3, hco3;
+    AnalysisTexts analysis;
     // the ionic strength equation
     bool bllang = false, blrus = false, bllewis = false;
     // the index boxes of the Options dialog and the values at the measured pH

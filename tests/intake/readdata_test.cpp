@@ -16,21 +16,14 @@ constexpr const char* kEcMessage = "you Should enter ec,T,pH,Ca and Alk values a
 constexpr const char* kLewisMessage = "you Should enter T,pH,Ca and Alk values at least !";
 constexpr const char* kAlkMessage = "you Should enter TDS,T,pH,Ca and Alk values at least ! !";
 
-using A = AnalysisTexts;
-using Box = std::string AnalysisTexts::*;
+using Box = Field;
 
 // The boxes by their names without "txt".
 Box boxNamed(std::string_view name) {
-    static const char* const names[] = {"tds", "ec",  "t",   "ph", "alk", "ca", "mg",
-                                        "k",   "na",  "zn",  "mn", "fe",  "al", "hco3",
-                                        "co3", "no2", "no3", "f",  "cl",  "so4"};
-    static const Box boxes[] = {&A::tds, &A::ec,  &A::t,   &A::ph, &A::alk, &A::ca, &A::mg,
-                                &A::k,   &A::na,  &A::zn,  &A::mn, &A::fe,  &A::al, &A::hco3,
-                                &A::co3, &A::no2, &A::no3, &A::f,  &A::cl,  &A::so4};
-    for (std::size_t i = 0; i < std::size(names); ++i)
-        if (name == names[i]) return boxes[i];
+    for (const FieldInfo& fi : kFields)
+        if (name == fi.name) return fi.field;
     ADD_FAILURE() << "no box " << name;
-    return &A::tds;
+    return Field::tds;
 }
 
 // The boxes typed in, as "box=text" entries; the others are left empty.
@@ -38,7 +31,7 @@ AnalysisTexts typed(std::initializer_list<std::string_view> entries) {
     AnalysisTexts b;
     for (std::string_view e : entries) {
         const std::size_t eq = e.find('=');
-        b.*boxNamed(e.substr(0, eq)) = e.substr(eq + 1);
+        b[boxNamed(e.substr(0, eq))] = e.substr(eq + 1);
     }
     return b;
 }
@@ -94,31 +87,31 @@ struct MessageCase {
 };
 
 AnalysisTexts withEmpty(AnalysisTexts b, Box box) {
-    (b.*box).clear();
+    b[box].clear();
     return b;
 }
 
 TEST_F(ReadData, MissingValueMessages) {
     // the worked sample with a conductivity, so that the Russell branch gets past its own check
     AnalysisTexts full = workedSample();
-    full.ec = "85";
+    full[Field::ec] = "85";
     const std::vector<MessageCase> cases = {
-        {"langelier_t", langelier(), &A::t, kTdsMessage, "Velmora"},
-        {"langelier_ph", langelier(), &A::ph, kTdsMessage, "Velmora"},
-        {"langelier_ca", langelier(), &A::ca, kTdsMessage, "Velmora"},
+        {"langelier_t", langelier(), Field::t, kTdsMessage, "Velmora"},
+        {"langelier_ph", langelier(), Field::ph, kTdsMessage, "Velmora"},
+        {"langelier_ca", langelier(), Field::ca, kTdsMessage, "Velmora"},
         // the Langelier branch checks alkalinity first, with its own message
-        {"langelier_alk", langelier(), &A::alk, kTdsMessage, "Velmora"},
-        {"russell_ec", russell(), &A::ec, kEcMessage, "Velmora"},
-        {"russell_t", russell(), &A::t, kTdsMessage, "Velmora"},
-        {"russell_ca", russell(), &A::ca, kTdsMessage, "Velmora"},
+        {"langelier_alk", langelier(), Field::alk, kTdsMessage, "Velmora"},
+        {"russell_ec", russell(), Field::ec, kEcMessage, "Velmora"},
+        {"russell_t", russell(), Field::t, kTdsMessage, "Velmora"},
+        {"russell_ca", russell(), Field::ca, kTdsMessage, "Velmora"},
         // only the Russell branch reaches the alkalinity step's message
-        {"russell_alk", russell(), &A::alk, kAlkMessage, "Velmora!!"},
-        {"lewis_t", lewis(), &A::t, kLewisMessage, "Velmora"},
-        {"lewis_ph", lewis(), &A::ph, kLewisMessage, "Velmora"},
-        {"lewis_alk", lewis(), &A::alk, kLewisMessage, "Velmora"},
-        {"no_equation_t", EquationFlags{}, &A::t, kTdsMessage, "Velmora"},
-        {"no_equation_ca", EquationFlags{}, &A::ca, kTdsMessage, "Velmora"},
-        {"no_equation_alk", EquationFlags{}, &A::alk, kAlkMessage, "Velmora!!"},
+        {"russell_alk", russell(), Field::alk, kAlkMessage, "Velmora!!"},
+        {"lewis_t", lewis(), Field::t, kLewisMessage, "Velmora"},
+        {"lewis_ph", lewis(), Field::ph, kLewisMessage, "Velmora"},
+        {"lewis_alk", lewis(), Field::alk, kLewisMessage, "Velmora"},
+        {"no_equation_t", EquationFlags{}, Field::t, kTdsMessage, "Velmora"},
+        {"no_equation_ca", EquationFlags{}, Field::ca, kTdsMessage, "Velmora"},
+        {"no_equation_alk", EquationFlags{}, Field::alk, kAlkMessage, "Velmora!!"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -132,7 +125,7 @@ TEST_F(ReadData, MissingValueMessages) {
 }
 
 TEST_F(ReadData, LangelierWithEmptyTdsReadsZero) {
-    AnalysisTexts b = withEmpty(workedSample(), &A::tds);
+    AnalysisTexts b = withEmpty(workedSample(), Field::tds);
     EquationFlags flags = langelier();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.outcome, Outcome::Accepted);
@@ -152,8 +145,8 @@ TEST_F(ReadData, RussellWithoutConductivityStoresNothing) {
 }
 
 TEST_F(ReadData, RussellStoresConductivityBeforeTheTemperatureMessage) {
-    AnalysisTexts b = withEmpty(workedSample(), &A::t);
-    b.ec = "85";
+    AnalysisTexts b = withEmpty(workedSample(), Field::t);
+    b[Field::ec] = "85";
     EquationFlags flags = russell();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.messageText, kTdsMessage);
@@ -165,8 +158,8 @@ TEST_F(ReadData, RussellStoresConductivityBeforeTheTemperatureMessage) {
 }
 
 TEST_F(ReadData, RussellDoesNotCheckThePh) {
-    AnalysisTexts b = withEmpty(workedSample(), &A::ph);
-    b.ec = "6";
+    AnalysisTexts b = withEmpty(workedSample(), Field::ph);
+    b[Field::ec] = "6";
     EquationFlags flags = russell();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.outcome, Outcome::Accepted);
@@ -175,9 +168,9 @@ TEST_F(ReadData, RussellDoesNotCheckThePh) {
 
 TEST_F(ReadData, MessagesKeepEarlierStepsStored) {
     // calcium empty: temperature is already stored, alkalinity is not
-    AnalysisTexts b = withEmpty(workedSample(), &A::ca);
+    AnalysisTexts b = withEmpty(workedSample(), Field::ca);
     EquationFlags flags = russell();
-    b.ec = "85";
+    b[Field::ec] = "85";
     readAnalysis(engine, b, flags, false);
     EXPECT_EQ(engine.rec.temp, 25);
     EXPECT_EQ(engine.rec.tk, 298.15);
@@ -209,7 +202,7 @@ TEST_F(ReadData, LangelierStoresOnlyItsFields) {
 TEST_F(ReadData, LarsonSkoldStoresChlorideAndSulphate) {
     EquationFlags flags = langelier();
     AnalysisTexts b = workedSample();
-    b.cl = "";
+    b[Field::cl] = "";
     readAnalysis(engine, b, flags, true);
     EXPECT_EQ(engine.rec.so4, 60);
     EXPECT_EQ(engine.rec.cl, 0); // an empty optional box stores 0
@@ -253,8 +246,8 @@ TEST_F(ReadData, LewisBalancedAnalysisIsAccepted) {
 
 TEST_F(ReadData, LewisWithCarbonateEmptyReadsThePhStrictly) {
     AnalysisTexts b = ionBalanceSample();
-    b.co3 = "";
-    b.ph = "7.5x"; // cannot come from a box, but Read Data itself does not guard it
+    b[Field::co3] = "";
+    b[Field::ph] = "7.5x"; // cannot come from a box, but Read Data itself does not guard it
     EquationFlags flags = lewis();
     try {
         readAnalysis(engine, b, flags, false);
@@ -266,7 +259,7 @@ TEST_F(ReadData, LewisWithCarbonateEmptyReadsThePhStrictly) {
 
 TEST_F(ReadData, BlanksAreNotEmptyAndReadAsZero) {
     AnalysisTexts b = workedSample();
-    b.t = " ";
+    b[Field::t] = " ";
     EquationFlags flags = langelier();
     const ReadDataResult r = readAnalysis(engine, b, flags, false);
     EXPECT_EQ(r.outcome, Outcome::Accepted);
@@ -276,9 +269,9 @@ TEST_F(ReadData, BlanksAreNotEmptyAndReadAsZero) {
 
 TEST_F(ReadData, LeadingNumberReading) {
     AnalysisTexts b = workedSample();
-    b.ca = " 80 mg";
-    b.alk = "2e2";
-    b.tds = "abc";
+    b[Field::ca] = " 80 mg";
+    b[Field::alk] = "2e2";
+    b[Field::tds] = "abc";
     EquationFlags flags = langelier();
     readAnalysis(engine, b, flags, false);
     EXPECT_EQ(engine.rec.ca, 80);
@@ -304,17 +297,17 @@ TEST_F(ReadData, OutOfRangeValuesAreOverflowErrors) {
         const char* text;
     };
     const std::vector<Case> cases = {
-        {"calcium_beyond_double", langelier(), &AnalysisTexts::ca, "1e400"},
-        {"conductivity_times_100", russell(), &AnalysisTexts::ec, "1e307"},
-        {"temperature_beyond_double", langelier(), &AnalysisTexts::t, "-1e999"},
+        {"calcium_beyond_double", langelier(), Field::ca, "1e400"},
+        {"conductivity_times_100", russell(), Field::ec, "1e307"},
+        {"temperature_beyond_double", langelier(), Field::t, "-1e999"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Engine e;
         poison(e.rec);
         AnalysisTexts b = workedSample();
-        b.ec = "85";
-        b.*(c.box) = c.text;
+        b[Field::ec] = "85";
+        b[c.box] = c.text;
         EquationFlags flags = c.flags;
         try {
             readAnalysis(e, b, flags, false);
@@ -329,15 +322,15 @@ TEST_F(ReadData, OutOfRangeValuesAreOverflowErrors) {
 
 TEST(WindowInputsFromBoxes, CarriesPhAndCarbonateEmptiness) {
     AnalysisTexts b;
-    b.ph = " 7.5";
-    b.hco3 = "";
-    b.co3 = "0";
+    b[Field::ph] = " 7.5";
+    b[Field::hco3] = "";
+    b[Field::co3] = "0";
     const WindowInputs in = windowInputs(b);
     EXPECT_EQ(in.phText, " 7.5");
     EXPECT_TRUE(in.hco3Empty);
     EXPECT_FALSE(in.co3Empty);
     EXPECT_FALSE(in.sweepChecked);
-    b.hco3 = " ";
+    b[Field::hco3] = " ";
     EXPECT_FALSE(windowInputs(b).hco3Empty);
 }
 

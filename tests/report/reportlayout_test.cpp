@@ -20,11 +20,11 @@ ReportInputs langelierSample() {
     ReportInputs in;
     in.time = "10:30:00";
     in.date = "17/05/2024";
-    in.tds = "400";
-    in.alk = "200";
-    in.t = "25";
-    in.ph = "7.5";
-    in.ca = "80";
+    in.analysis[Field::tds] = "400";
+    in.analysis[Field::alk] = "200";
+    in.analysis[Field::t] = "25";
+    in.analysis[Field::ph] = "7.5";
+    in.analysis[Field::ca] = "80";
     in.bllang = true;
     return in;
 }
@@ -171,8 +171,8 @@ TEST(ReportLayout, EquationRowsAndEmptyProperties) {
     ReportInputs in = langelierSample();
     in.bllang = false;
     in.bllewis = true;
-    in.k = "3.9";
-    in.hco3 = "244";
+    in.analysis[Field::k] = "3.9";
+    in.analysis[Field::hco3] = "244";
     const std::string text = compose(in, savedStyle());
     EXPECT_FALSE(contains(text, "Dissolved solids"));
     EXPECT_FALSE(contains(text, "Electrical conductivity"));
@@ -184,7 +184,7 @@ TEST(ReportLayout, EquationRowsAndEmptyProperties) {
     EXPECT_TRUE(contains(text, "\n      Operator name :  \n"));
 
     in.blrus = true;
-    in.ec = "55";
+    in.analysis[Field::ec] = "55";
     EXPECT_TRUE(contains(compose(in, savedStyle()),
                          "  \n" + blanks(10) + "Electrical conductivity(EC)   mS/m  55\r\n"));
 }
@@ -231,7 +231,7 @@ TEST(ReportLayout, HeadingAndTextsAsTyped) {
     in.date = "5/17/24";
     in.operatorName = "Zoë";
     in.familyName = "Ångström";
-    in.ph = "7,50";
+    in.analysis[Field::ph] = "7,50";
     const std::string text = compose(in, savedStyle());
     EXPECT_EQ(text.rfind("Time :10:30:00 AM" + blanks(7) + "Velmora\r\nDate :5/17/24" + blanks(15) +
                              " Version 1.0 \r\n" + blanks(34) + "May 2008\r\n",
