@@ -1,16 +1,16 @@
 #include "app/frmabout.h"
 
-#include "app/programpicture.h"
-#include "mainwindow/formsupport.h"
-#include "mainwindow/frmmain.h"
 #include "platform/platform.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/mainform.h"
+#include "windowkit/programpicture.h"
 
 #include <QLabel>
 #include <QPushButton>
 
 namespace velmora {
 
-frmAbout::frmAbout() : SingleWindow(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
+frmAbout::frmAbout() : SingleWindow(mainWindowParent()) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About Velmora"));
     setModal(true);

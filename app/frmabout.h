@@ -2,7 +2,7 @@
 // over the main window; loaded at each opening and unloaded by its OK.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QDialog>
 

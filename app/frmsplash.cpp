@@ -1,8 +1,8 @@
 #include "app/frmsplash.h"
 
-#include "app/programpicture.h"
-#include "mainwindow/formsupport.h"
 #include "platform/platform.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/programpicture.h"
 
 #include <QFrame>
 #include <QLabel>

@@ -1,7 +1,7 @@
 // The splash window shown while the program starts.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QWidget>
 

@@ -1,12 +1,13 @@
 #include "app/startup.h"
 
+#include "app/frmabout.h"
 #include "app/frmsplash.h"
-#include "app/programpicture.h"
-#include "mainwindow/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
 #include "platform/platform.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/programpicture.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -16,7 +17,12 @@
 
 namespace velmora {
 
+void linkWindows() {
+    setAboutHandler([] { platform().execModal(frmAbout::instance()); });
+}
+
 frmMain* startProgram() {
+    linkWindows();
     QCoreApplication::setApplicationName(QStringLiteral("Velmora"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION));
     // The window switcher shows the program's picture; on Wayland the

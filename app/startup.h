@@ -5,6 +5,9 @@ namespace velmora {
 
 class frmMain;
 
+// Links the windows below the main window's menus that live here (About).
+void linkWindows();
+
 // Shows the splash, builds and places the main window, sets the Langelier
 // ionic strength equation, removes the splash, shows the main window with
 // the focus in the temperature box, and returns it.

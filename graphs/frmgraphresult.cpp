@@ -2,10 +2,10 @@
 
 #include "engine/engine.h"
 #include "graphs/gifwriter.h"
-#include "mainwindow/frmmain.h"
 #include "numtext/numtext.h"
 #include "options/optionstate.h"
 #include "platform/platform.h"
+#include "windowkit/mainform.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -281,8 +281,8 @@ void frmgraphresult::Cmbin_Click() {
     const int position = Cmbin->currentIndex();
     if (position < 0 || position >= int(std::size(kIndices))) return;
     if (position == kLarsonSkold) {
-        frmMain* m = frmMain::instance();
-        if (m->txtcl->text().isEmpty() || m->txtso4->text().isEmpty()) {
+        MainForm* m = mainForm();
+        if (!m || !m->chlorideAndSulphateGiven()) {
             QString text = QStringLiteral("please ");
             if (!theOptions().index.bllr)
                 text += QStringLiteral("select Larson-scold index in options window and");

@@ -1,9 +1,7 @@
 #include "mainwindow/frmmain.h"
 
-#include "app/frmabout.h"
-#include "app/programpicture.h"
 #include "graphs/frmgraphresult.h"
-#include "mainwindow/formsupport.h"
+#include "intake/arrangement.h"
 #include "mainwindow/properties.h"
 #include "numtext/numtext.h"
 #include "options/frmactivity.h"
@@ -13,7 +11,9 @@
 #include "platform/platform.h"
 #include "report/reportoutput.h"
 #include "results/results.h"
-#include "results/windowsupport.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/programpicture.h"
+#include "windowkit/windowsupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -160,6 +160,7 @@ frmMain::frmMain() {
     for (QLineEdit* box : findChildren<QLineEdit*>())
         box->installEventFilter(this);
     theEngine().setObserver(this);
+    setMainForm(this);
 }
 
 QAction* frmMain::menuShortcutFor(const QKeyEvent* key) const {
@@ -188,6 +189,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
 
 frmMain::~frmMain() {
     if (isCurrent()) theEngine().setObserver(nullptr);
+    if (mainForm() == this) setMainForm(nullptr);
 }
 
 // ---------------------------------------------------------------------------
@@ -293,7 +295,7 @@ void frmMain::buildStatusBar() {
     sbStatusBar->addWidget(panel1_, 1);
     sbStatusBar->addPermanentWidget(panel2_);
     sbStatusBar->addPermanentWidget(panel3_);
-    panel1_->setText(workflow::EnteringData);
+    setState(Workflow::EnteringData);
 
     clock_ = new QTimer(this);
     clock_->setInterval(1000);
@@ -499,8 +501,9 @@ QString frmMain::statusText() const {
     return panel1_->text();
 }
 
-void frmMain::setStatusText(const QString& text) {
-    panel1_->setText(text);
+void frmMain::setState(Workflow state) {
+    state_ = state;
+    panel1_->setText(statusTextOf(state));
 }
 
 QLineEdit* frmMain::box(Field f) const {
@@ -633,6 +636,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
                        settingText(pixelsToTwipsY(height())));
     }
     if (isCurrent()) theEngine().setObserver(nullptr);
+    if (mainForm() == this) setMainForm(nullptr);
     SingleWindow::closeEvent(event);
 }
 
@@ -659,7 +663,7 @@ void frmMain::mnusittingac_Click() {
 }
 
 void frmMain::mnuHelpAbout_Click() {
-    platform().execModal(frmAbout::instance());
+    showAbout();
 }
 
 void frmMain::mnuhelpcontents_Click() {
@@ -736,7 +740,7 @@ void frmMain::cmdclear_Click() {
     cmdaccuracy->setEnabled(false);
     setBackColor(cmdaccuracy, vb::ButtonFace);
     cmdshow->setEnabled(false);
-    setStatusText(workflow::EnteringData);
+    setState(Workflow::EnteringData);
 }
 
 void frmMain::mnuFileNew_Click() {
@@ -750,7 +754,7 @@ void frmMain::mnuFileNew_Click() {
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     setBackColor(cmdaccuracy, vb::ButtonFace);
-    setStatusText(workflow::EnteringDataNew);
+    setState(Workflow::EnteringDataNew);
     txtt->setFocus();
     clearAccuracyFrame();
     frasample->setEnabled(false);
@@ -775,10 +779,10 @@ void frmMain::cmdread_Click() {
             break;
         case ReadDataResult::Outcome::Accepted:
             cmdcalc->setEnabled(true);
-            setStatusText(workflow::ReadyForAnalysis);
+            setState(Workflow::ReadyForAnalysis);
             break;
         case ReadDataResult::Outcome::Rejected:
-            setStatusText(workflow::AnalysisRejected);
+            setState(Workflow::AnalysisRejected);
             break;
         }
     } catch (const std::exception& e) {
@@ -836,7 +840,7 @@ void frmMain::cmdshow_Click() {
 // What the engine does to the window
 
 void frmMain::pointCompleted(bool sweep) {
-    setStatusText(workflow::AnalysisDone);
+    setState(Workflow::AnalysisDone);
     cmdclear->setEnabled(true);
     cmdshow->setEnabled(true);
     if (sweep) toolbarButton(9)->setEnabled(true);
@@ -849,7 +853,7 @@ void frmMain::pointCompleted(bool sweep) {
 void frmMain::accuracyVerdict(bool acceptable) {
     setBackColor(cmdaccuracy, acceptable ? vb::Green : vb::Red);
     cmdaccuracy->setEnabled(true);
-    setStatusText(acceptable ? workflow::AccuracyAcceptable : workflow::AccuracyUnacceptable);
+    setState(acceptable ? Workflow::AccuracyAcceptable : Workflow::AccuracyUnacceptable);
 }
 
 void frmMain::accuracyRefresh() {
@@ -879,9 +883,8 @@ bool frmMain::rejectText(QLineEdit* box) {
 }
 
 void frmMain::workflowAfterEdit() {
-    const QString state = statusText();
-    if (state == workflow::ReadyForAnalysis) cmdcalc->setEnabled(false);
-    if (state == workflow::AnalysisDone) {
+    if (state_ == Workflow::ReadyForAnalysis) cmdcalc->setEnabled(false);
+    if (state_ == Workflow::AnalysisDone) {
         cmdread->setEnabled(true);
         cmdcalc->setEnabled(false);
         mnusettingis->setEnabled(true);
@@ -898,39 +901,45 @@ void frmMain::plainChange(QLineEdit* box) {
 }
 
 void frmMain::enterReadyToRead(bool enableRead, bool disableCalc) {
-    setStatusText(workflow::ReadyToRead);
+    setState(Workflow::ReadyToRead);
     if (enableRead) cmdread->setEnabled(true);
     if (disableCalc) cmdcalc->setEnabled(false);
 }
 
+bool frmMain::filled(const PerField<bool>& needed) const {
+    for (const FieldInfo& fi : kFields)
+        if (needed[fi.field] && box(fi.field)->text().isEmpty()) return false;
+    return true;
+}
+
 void frmMain::lewisBlock() {
     if (!theOptions().equations.bllewis) return;
-    if (allFilled({txtt, txtph, txtalk, txtca})) enterReadyToRead(true, true);
+    if (filled(arrangement(Equation::Lewis, false).needed)) enterReadyToRead(true, true);
 }
 
 void frmMain::russellBlock() {
     if (!theOptions().equations.blrus) return;
-    const bool complete = larsonSkoldChecked()
-                              ? allFilled({txtt, txtph, txtalk, txtca, txtec, txtcl, txtso4})
-                              : allFilled({txtt, txtph, txtalk, txtca, txtec});
-    if (complete) enterReadyToRead(true, true);
+    if (filled(arrangement(Equation::Russell, larsonSkoldChecked()).needed))
+        enterReadyToRead(true, true);
 }
 
-void frmMain::langelierBlock(QLineEdit* box) {
+void frmMain::langelierBlock(QLineEdit* edited) {
     if (!theOptions().equations.bllang) return;
-    if (!theOptions().index.bllr) {
-        if (allFilled({txtt, txtph, txtalk, txtca, txttds})) enterReadyToRead(true, false);
+    const bool larsonSkold = theOptions().index.bllr;
+    const PerField<bool> needed = arrangement(Equation::Langelier, larsonSkold).needed;
+    if (!larsonSkold) {
+        if (filled(needed)) enterReadyToRead(true, false);
         return;
     }
-    const QList<const QLineEdit*> set = {txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4};
+    // with chloride and sulphate asked for, every other box filled offers
+    // Read Data (the edited box, when empty, takes it back)
     bool all = true, othersFilled = true;
-    for (const QLineEdit* b : set) {
-        if (b->text().isEmpty()) {
-            all = false;
-            if (b != box) othersFilled = false;
-        }
+    for (const FieldInfo& fi : kFields) {
+        if (!needed[fi.field] || !box(fi.field)->text().isEmpty()) continue;
+        all = false;
+        if (box(fi.field) != edited) othersFilled = false;
     }
-    if (all) setStatusText(workflow::ReadyToRead);
+    if (all) setState(Workflow::ReadyToRead);
     if (othersFilled) enterReadyToRead(true, false);
 }
 
@@ -964,8 +973,7 @@ void frmMain::chlorideSulphateChange(QLineEdit* box) {
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     if (theOptions().index.bllr) {
-        if (allFilled({txtt, txtph, txtalk, txtca, txttds, txtcl, txtso4}))
-            enterReadyToRead(true, true);
+        if (filled(arrangement(Equation::Langelier, true).needed)) enterReadyToRead(true, true);
         if (txtcl->text().isEmpty() || txtso4->text().isEmpty()) cmdread->setEnabled(false);
     }
     russellBlock();
@@ -1026,8 +1034,8 @@ void frmMain::txtec_Change() {
     if (rejectText(txtec)) return;
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
-    if (theOptions().equations.blrus && allFilled({txtt, txtph, txtalk, txtca, txtec}))
-        setStatusText(workflow::ReadyToRead);
+    if (theOptions().equations.blrus && filled(arrangement(Equation::Russell, false).needed))
+        setState(Workflow::ReadyToRead);
     russellBlock();
     workflowAfterEdit();
     if (txtec->text().isEmpty()) cmdread->setEnabled(false);
@@ -1038,7 +1046,7 @@ void frmMain::txttds_Change() {
     cmdclear->setEnabled(false);
     cmdshow->setEnabled(false);
     langelierBlock(txttds);
-    if (theOptions().equations.blrus && allFilled({txtt, txtph, txtalk, txtca, txtec}))
+    if (theOptions().equations.blrus && filled(arrangement(Equation::Russell, false).needed))
         enterReadyToRead(true, true);
     workflowAfterEdit();
     if (txttds->text().isEmpty()) cmdread->setEnabled(false);

@@ -5,9 +5,12 @@
 #pragma once
 
 #include "engine/engine.h"
+#include "intake/arrangement.h"
 #include "intake/readdata.h"
-#include "mainwindow/formsupport.h"
+#include "mainwindow/workflow.h"
 #include "report/reportlayout.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/mainform.h"
 
 #include <QList>
 #include <QMainWindow>
@@ -27,21 +30,9 @@ class QToolBar;
 
 namespace velmora {
 
-// The workflow state texts of status panel 1 (trailing blanks included).
-namespace workflow {
-inline const QString EnteringData = QStringLiteral("Ready for entering Data ");
-inline const QString EnteringDataNew = QStringLiteral("Ready for entering Data");
-inline const QString ReadyToRead = QStringLiteral("Ready for Reading Data ");
-inline const QString ReadyForAnalysis = QStringLiteral("Ready for Analysis");
-inline const QString AnalysisRejected = QStringLiteral("water analysis is unacceptable");
-inline const QString AnalysisDone = QStringLiteral("End of analysis ");
-inline const QString AccuracyAcceptable = QStringLiteral("Analysis accuracy is acceptable");
-inline const QString AccuracyUnacceptable = QStringLiteral("Analysis accuracy is unacceptable");
-} // namespace workflow
-
 // The one main window (instance()), created hidden in its design state on
 // first use.
-class frmMain : public SingleWindow<frmMain, QMainWindow>, public EngineObserver {
+class frmMain : public SingleWindow<frmMain, QMainWindow>, public EngineObserver, public MainForm {
     Q_OBJECT
 
 public:
@@ -86,10 +77,13 @@ public:
     // Status panel 1 to 3 (workflow state, date, time).
     QLabel* statusPanel(int panel) const;
     QString statusText() const;
-    void setStatusText(const QString& text);
+    Workflow state() const { return state_; }
+    void setState(Workflow state);
 
-    // The box of an analysis field, and all twenty in the order of Field.
+    // The box of an analysis field and its label, and all twenty boxes in the
+    // order of Field.
     QLineEdit* box(Field f) const;
+    QLabel* label(Field f) const;
     QList<QLineEdit*> analysisBoxes() const;
     AnalysisTexts analysisTexts() const;
 
@@ -105,6 +99,15 @@ public:
     // Puts the window where it was closed last time when that fits on the
     // screen; false when nothing was restored.
     bool restoreSavedPlacement();
+
+    // --- MainForm: what the dialogs publish, and the other windows ask
+    QWidget* asWidget() override;
+    void equationChosen(Equation chosen, bool larsonSkold) override;
+    void indicesApplied() override;
+    void sweepApplied() override;
+    void optionsApplied(bool sweepChecked) override;
+    void interpretationOpened() override;
+    bool chlorideAndSulphateGiven() const override;
 
     // --- EngineObserver
     void pointCompleted(bool sweepChecked) override;
@@ -174,6 +177,11 @@ private:
     void refreshClock();
     void showAccuracySums();
 
+    // True when every box of the set holds text.
+    bool filled(const PerField<bool>& needed) const;
+    // A box, its label and its colour as the arrangement has them.
+    void arrangeBox(Field f, const Arrangement& a);
+
     enum class Block { Lewis, Langelier, Russell };
     bool rejectText(QLineEdit* box);
     void plainChange(QLineEdit* box);
@@ -192,6 +200,7 @@ private:
 
     QLabel *panel1_ = nullptr, *panel2_ = nullptr, *panel3_ = nullptr;
     QTimer* clock_ = nullptr;
+    Workflow state_ = Workflow::EnteringData;
 };
 
 } // namespace velmora

@@ -2,7 +2,7 @@
 
 #include "mainwindow/frmmain.h"
 #include "mainwindow/properties.h"
-#include "results/windowsupport.h"
+#include "windowkit/windowsupport.h"
 
 #include <QFormLayout>
 #include <QGroupBox>

@@ -3,7 +3,7 @@
 // while it is loaded.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QString>
 #include <QWidget>

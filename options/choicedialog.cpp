@@ -1,8 +1,8 @@
 #include "options/choicedialog.h"
 
-#include "mainwindow/formsupport.h"
-#include "mainwindow/frmmain.h"
 #include "platform/platform.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/mainform.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -17,8 +17,7 @@ constexpr int kMargin = 120, kOptionTop = 690, kOptionStep = 420, kButtonWidth =
               kButtonHeight = 375, kButtonGap = 225;
 } // namespace
 
-ChoiceDialog::ChoiceDialog(const Design& design)
-    : QDialog(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
+ChoiceDialog::ChoiceDialog(const Design& design) : QDialog(mainWindowParent()) {
     setObjectName(QLatin1String(design.name));
     setWindowTitle(design.caption);
     QFont arial(QStringLiteral("Arial"));

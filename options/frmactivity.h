@@ -2,8 +2,8 @@
 // (velmora::theOptions().equations) and touches nothing else.
 #pragma once
 
-#include "mainwindow/formsupport.h"
 #include "options/choicedialog.h"
+#include "windowkit/formsupport.h"
 
 namespace velmora {
 

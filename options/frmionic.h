@@ -4,8 +4,8 @@
 // window's boxes for the chosen equation.
 #pragma once
 
-#include "mainwindow/formsupport.h"
 #include "options/choicedialog.h"
+#include "windowkit/formsupport.h"
 
 namespace velmora {
 

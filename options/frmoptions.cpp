@@ -1,11 +1,11 @@
 #include "options/frmoptions.h"
 
 #include "engine/engine.h"
-#include "mainwindow/formsupport.h"
-#include "mainwindow/frmmain.h"
 #include "options/optionstate.h"
 #include "options/sweepsettings.h"
 #include "platform/platform.h"
+#include "windowkit/formsupport.h"
+#include "windowkit/mainform.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -20,7 +20,7 @@
 
 namespace velmora {
 
-frmOptions::frmOptions() : SingleWindow(frmMain::isLoaded() ? frmMain::instance() : nullptr) {
+frmOptions::frmOptions() : SingleWindow(mainWindowParent()) {
     setObjectName(QStringLiteral("frmOptions"));
     setWindowTitle(QStringLiteral("Options"));
     setModal(false);
@@ -210,34 +210,9 @@ bool frmOptions::apply(bool hideOnceApplied) {
     flags.blme = chkme->isChecked();
     flags.blsl = chksl->isChecked();
 
-    // chloride and sulphate follow the Larson-Skold choice
-    frmMain* m = frmMain::instance();
-    const EquationFlags& eq = theOptions().equations;
-    auto anions = [m](bool on) {
-        setEnabledAll({m->frmanions, m->txtcl, m->txtso4, m->lblcl, m->lblso4}, on);
-    };
-    auto yellow = [m] {
-        setBackColor(m->txtcl, vb::Yellow);
-        setBackColor(m->txtso4, vb::Yellow);
-    };
-    if (eq.bllang) {
-        if (flags.bllr) {
-            anions(true);
-            yellow();
-            m->cmdread->setEnabled(false);
-        } else {
-            anions(false);
-            m->txtso4->setText(QString());
-            m->txtcl->setText(QString());
-            yellow();
-            m->cmdread->setEnabled(allFilled({m->txtca, m->txtalk, m->txtph, m->txtt, m->txttds}));
-        }
-    }
-    if (eq.blrus) {
-        anions(flags.bllr);
-        yellow();
-        if (flags.bllr) m->cmdread->setEnabled(false);
-    }
+    // the main window rearranges chloride and sulphate for the index
+    MainForm* m = mainForm();
+    if (m) m->indicesApplied();
 
     // the sweep list
     if (chkphsweep->isChecked()) {
@@ -255,16 +230,11 @@ bool frmOptions::apply(bool hideOnceApplied) {
             showMessage(std::string("Apply failed: ") + e.what() + ".");
             return false;
         }
-        m->cmdread->setEnabled(true);
+        if (m) m->sweepApplied();
     }
     // OK: the dialog goes before the workflow moves back
     if (hideOnceApplied) hide();
-
-    m->cmdcalc->setEnabled(false);
-    m->cmdaccuracy->setEnabled(false);
-    if (!chkphsweep->isChecked()) m->toolbarButton(9)->setEnabled(false);
-    m->cmdclear->setEnabled(false);
-    m->cmdshow->setEnabled(false);
+    if (m) m->optionsApplied(chkphsweep->isChecked());
     return true;
 }
 

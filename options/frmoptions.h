@@ -4,7 +4,7 @@
 // which outlive the dialog, and rearranges the main window.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QDialog>
 

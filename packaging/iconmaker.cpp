@@ -3,7 +3,7 @@
 //   velmora_iconmaker DIR NAME
 // makes DIR/hicolor/scalable/apps/NAME.svg and DIR/hicolor/SxS/apps/NAME.png
 // for every size of the application icon.
-#include "app/programpicture.h"
+#include "windowkit/programpicture.h"
 
 #include <QDir>
 #include <QPainter>

@@ -1,6 +1,6 @@
 #include "results/frmenterper.h"
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "platform/platform.h"
 
 #include <QPalette>

@@ -2,7 +2,7 @@
 // of its severity colour.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QColor>
 #include <QWidget>

@@ -2,7 +2,7 @@
 
 #include "numtext/numtext.h"
 #include "results/frmsymbols.h"
-#include "results/windowsupport.h"
+#include "windowkit/windowsupport.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

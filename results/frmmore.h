@@ -4,7 +4,7 @@
 #pragma once
 
 #include "engine/engine.h"
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QWidget>
 

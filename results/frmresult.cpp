@@ -1,12 +1,12 @@
 #include "results/frmresult.h"
 
-#include "mainwindow/frmmain.h"
 #include "numtext/numtext.h"
 #include "platform/platform.h"
 #include "results/frmenterper.h"
 #include "results/frmmore.h"
 #include "results/results.h"
-#include "results/windowsupport.h"
+#include "windowkit/mainform.h"
+#include "windowkit/windowsupport.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -199,7 +199,7 @@ void frmresult::clearLangelierRyznar() {
 }
 
 void frmresult::interpret(Index index) {
-    if (frmMain::isLoaded()) frmMain::instance()->cmdcalc->setEnabled(false);
+    if (MainForm* m = mainForm()) m->interpretationOpened();
 
     const bool fresh = !frmenterper::isLoaded();
     frmenterper* w = frmenterper::instance();

@@ -2,7 +2,7 @@
 // interpretation button per index and the way to the equilibrium data.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "options/optionstate.h"
 #include "results/interpretation.h"
 

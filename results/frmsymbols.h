@@ -1,7 +1,7 @@
 // The symbols window: what each symbol of the equilibrium data means.
 #pragma once
 
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include <QStringList>
 #include <QWidget>

@@ -3,7 +3,7 @@
 #include "platform/platform.h"
 #include "results/frmmore.h"
 #include "results/frmresult.h"
-#include "results/windowsupport.h"
+#include "windowkit/windowsupport.h"
 
 namespace velmora {
 

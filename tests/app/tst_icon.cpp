@@ -1,6 +1,6 @@
 // The application icon: the main window shows the program's picture, and
 // the icon theme's pictures (the scalable one included) are that picture.
-#include "app/programpicture.h"
+#include "windowkit/programpicture.h"
 #include "app/startup.h"
 #include "mainwindow/frmmain.h"
 #include "tests/support/guitest.h"

@@ -3,7 +3,7 @@
 // Langelier preset and the focus.
 #include "app/frmsplash.h"
 #include "app/startup.h"
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmionic.h"
 #include "options/optionstate.h"

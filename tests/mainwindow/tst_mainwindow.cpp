@@ -4,7 +4,7 @@
 #include "app/frmabout.h"
 #include "app/startup.h"
 #include "engine/engine.h"
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "options/frmactivity.h"
@@ -44,7 +44,7 @@ class MainWindowTest : public test::ProgramTest {
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
     }
 
 private slots:
@@ -321,11 +321,11 @@ private slots:
         test::typeWorkedSample(m_);
         QTest::keyClick(focused(), Qt::Key_R, Qt::AltModifier);
         QTRY_COMPARE(read.count(), 1);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         // Clear is off after the edits, so Alt+C is Calculate's alone
         QVERIFY(!m_->cmdclear->isEnabled());
         QTest::keyClick(focused(), Qt::Key_C, Qt::AltModifier);
-        QTRY_COMPARE(m_->statusText(), workflow::AnalysisDone);
+        QTRY_COMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
 
         // Ctrl+S and Ctrl+P are live after a calculation
         QSignalSpy save(m_->mnuFileSave, &QAction::triggered);
@@ -337,7 +337,7 @@ private slots:
 
         // Ctrl+N is New
         QTest::keyClick(focused(), Qt::Key_N, Qt::ControlModifier);
-        QCOMPARE(m_->statusText(), workflow::EnteringDataNew);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringDataNew));
         QVERIFY(m_->txtt->text().isEmpty());
 
         // Ctrl+E leaves the program, even from a box (where it could move the cursor)
@@ -500,7 +500,7 @@ private slots:
         m_->cmdclear->setEnabled(true);
         test::click(m_->cmdclear);
         QVERIFY(m_->cmdclear->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
     }
 
     void clearEmptiesTheAccuracyFrame() {
@@ -552,7 +552,7 @@ private slots:
         m_->toolbarButton(1)->trigger();
         QVERIFY(m_->txtt->text().isEmpty());
         QVERIFY(!m_->cmdclear->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringDataNew);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringDataNew));
     }
 
     void clearAndNewDisableGraphOnlyWithTheSweep() {

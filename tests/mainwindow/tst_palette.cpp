@@ -1,7 +1,7 @@
 // The program on a dark desktop palette: every box and button whose back
 // colour the program fixes also fixes its text colour, so light text never
 // lands on the light input colours; system colours stay the desktop's.
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "results/frmenterper.h"
 #include "results/frmresult.h"

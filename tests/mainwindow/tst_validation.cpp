@@ -147,7 +147,7 @@ private slots:
             test::typeInto(box(order[i]), QStringLiteral("8"));
             const bool last = i == order.size() - 1;
             QCOMPARE(m_->cmdread->isEnabled(), last);
-            QCOMPARE(m_->statusText(), last ? workflow::ReadyToRead : workflow::EnteringData);
+            QCOMPARE(m_->statusText(), last ? statusTextOf(Workflow::ReadyToRead) : statusTextOf(Workflow::EnteringData));
         }
         QVERIFY(m_->txtec->text().isEmpty());
         QVERIFY(!m_->cmdcalc->isEnabled());
@@ -166,12 +166,12 @@ private slots:
             test::typeInto(box(order[i]), QStringLiteral("8"));
             QCOMPARE(m_->cmdread->isEnabled(), i == order.size() - 1);
         }
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         // emptying any of the four disables Read Data; the state text stays
         for (const QString& name : order) {
             test::eraseBox(box(name));
             QVERIFY2(!m_->cmdread->isEnabled(), qPrintable(name));
-            QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+            QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
             test::typeInto(box(name), QStringLiteral("8"));
             QVERIFY(m_->cmdread->isEnabled());
         }
@@ -182,10 +182,10 @@ private slots:
         QVERIFY(!m_->txttds->isEnabled());
         typeAll({"txtt", "txtph", "txtalk", "txtca"});
         QVERIFY(!m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
         test::typeInto(m_->txtec, QStringLiteral("85"));
         QVERIFY(m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         test::eraseBox(m_->txtec);
         QVERIFY(!m_->cmdread->isEnabled());
     }
@@ -202,9 +202,9 @@ private slots:
         // the conductivity handler's own first test sets the state text on
         // the base set; the chloride handler has no emptying step of its own
         QTest::newRow("Russell, ticked only")
-            << "rus" << false << "txtec" << workflow::ReadyToRead << true;
+            << "rus" << false << "txtec" << statusTextOf(Workflow::ReadyToRead) << true;
         QTest::newRow("Langelier, applied")
-            << "lang" << true << "txttds" << workflow::EnteringData << false;
+            << "lang" << true << "txttds" << statusTextOf(Workflow::EnteringData) << false;
     }
     void chlorideAndSulphateJoinTheRequiredSet() {
         QFETCH(QString, equation);
@@ -223,7 +223,7 @@ private slots:
         QVERIFY(!m_->cmdread->isEnabled());
         test::typeInto(m_->txtso4, QStringLiteral("60"));
         QVERIFY(m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         test::eraseBox(m_->txtcl);
         QCOMPARE(m_->cmdread->isEnabled(), readAfterErasingChloride);
     }
@@ -238,9 +238,9 @@ private slots:
         tickLarsonSkold(true);
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         test::eraseBox(box(name));
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         QVERIFY(!m_->cmdread->isEnabled());
         // the Langelier block leaves Calculate alone, and the state has moved
         // on from "Ready for Analysis" before the analysis-ready test
@@ -262,9 +262,9 @@ private slots:
         chooseEquation(QStringLiteral("lewis"));
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         test::click(m_->cmdshow);
         QVERIFY(!m_->cmdread->isEnabled() && !m_->mnusettingis->isEnabled());
         test::typeInto(m_->txtmg, QStringLiteral("2"));
@@ -283,7 +283,7 @@ private slots:
         test::click(m_->cmdcalc);
         test::click(m_->cmdshow);
         test::typeInto(m_->txtt, QStringLiteral("1"));
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         QVERIFY(m_->cmdread->isEnabled());
         QVERIFY(!m_->cmdcalc->isEnabled());
         QVERIFY(!m_->mnusettingis->isEnabled() && !m_->mnusittingac->isEnabled());
@@ -296,7 +296,7 @@ private slots:
         test::click(m_->cmdcalc);
         QVERIFY(m_->cmdcalc->isEnabled());
         test::typeInto(m_->txttds, QStringLiteral("0"));
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         QVERIFY(m_->cmdcalc->isEnabled());
         QVERIFY(!m_->cmdclear->isEnabled() && !m_->cmdshow->isEnabled());
     }
@@ -305,12 +305,12 @@ private slots:
         chooseEquation(QStringLiteral("lewis"));
         type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QVERIFY(m_->cmdcalc->isEnabled());
         test::typeInto(m_->txtno3, QStringLiteral("1"));
         QVERIFY(!m_->cmdcalc->isEnabled());
         QVERIFY(m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
     }
 
     void validEditDisablesGraphOnlyWithTheSweep() {

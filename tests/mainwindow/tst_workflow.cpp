@@ -4,7 +4,7 @@
 // results, and whole sessions typed from the first key to "End of analysis ".
 #include "app/startup.h"
 #include "engine/engine.h"
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "numtext/numtext.h"
 #include "options/frmactivity.h"
@@ -58,7 +58,7 @@ class WorkflowTest : public test::ProgramTest {
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
     }
 
     const QStringList lewisSample = {"txtt=25",   "txtph=7.5",   "txtalk=200", "txtca=80",
@@ -150,7 +150,7 @@ private slots:
         QVERIFY(rec_->messages.isEmpty());
         QCOMPARE(theEngine().rec.tds, 0.0);
         QCOMPARE(theEngine().rec.tk, 298.15);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QVERIFY(m_->cmdcalc->isEnabled());
     }
 
@@ -160,7 +160,7 @@ private slots:
         applyOptions({}, QStringLiteral("7"), QStringLiteral("0.5"), QStringLiteral("2"));
         test::click(m_->cmdread);
         QVERIFY(rec_->messages.isEmpty());
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QCOMPARE(theEngine().rec.ionic, 1.6e-5 * 8500);
     }
 
@@ -173,7 +173,7 @@ private slots:
         QVERIFY2(rec_->last().text.startsWith(QStringLiteral("Read Data failed: division by zero")),
                  qPrintable(rec_->last().text));
         QCOMPARE(rec_->last().title, QStringLiteral("Velmora"));
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         QVERIFY(!m_->cmdcalc->isEnabled());
         QVERIFY(m_->isVisible());
     }
@@ -183,7 +183,7 @@ private slots:
         chooseEquation(QStringLiteral("lewis"));
         type(lewisSample);
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::AnalysisRejected);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisRejected));
         QVERIFY(!m_->cmdcalc->isEnabled());
         QVERIFY(m_->cmdaccuracy->isEnabled());
         QCOMPARE(backColor(m_->cmdaccuracy), vb::Red);
@@ -213,7 +213,7 @@ private slots:
         test::click(m_->cmdread);
         QCOMPARE(backColor(m_->cmdaccuracy), vb::Green);
         QCOMPARE(paintedBackColor(m_->cmdaccuracy), QColor(0, 255, 0));
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QVERIFY(m_->cmdcalc->isEnabled());
         QCOMPARE(m_->txtsumca->text(),
                  QString::fromStdString(fmt::rounded(theEngine().rec.sumca, 5)));
@@ -224,7 +224,7 @@ private slots:
     void langelierReadingLeavesTheAccuracyButtonAlone() {
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QVERIFY(!m_->cmdaccuracy->isEnabled());
         QCOMPARE(backColor(m_->cmdaccuracy), vb::ButtonFace);
         QVERIFY(theEngine().rec.accuracyok);
@@ -236,9 +236,9 @@ private slots:
                       opt()->chkai, opt()->chkme, opt()->chksl});
         test::typeWorkedSample(m_);
         QCOMPARE(m_->txtso4->text(), QStringLiteral("60"));
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         test::click(m_->cmdcalc);
         QVERIFY(rec_->messages.isEmpty());
 
@@ -274,7 +274,7 @@ private slots:
         test::click(m_->cmdshow);
         QVERIFY(!m_->cmdread->isEnabled() && !m_->cmdcalc->isEnabled());
         QVERIFY(!m_->mnusettingis->isEnabled() && !m_->mnusittingac->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         QVERIFY(frmresult::instance()->isVisible());
 
         // Clear empties the Langelier and Ryznar results
@@ -328,7 +328,7 @@ private slots:
         QNEAR(s.ct, 0.00421);
         QNEAR(s.phstart, 9.5);
         QCOMPARE(int(s.ipoint), 6);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         QVERIFY(m_->toolbarButton(9)->isEnabled());
         // the sweep does not publish; Show results does
         QVERIFY(!frmresult::isLoaded());
@@ -362,7 +362,7 @@ private slots:
         QCOMPARE(rec_->last().title, QStringLiteral("Velmora"));
         QCOMPARE(rec_->last().icon, Platform::Icon::None);
         QCOMPARE(theEngine().sw.li(0), 42.0);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
     }
 
     void emptyPhWithSweepComputesAtPhZero() {
@@ -374,7 +374,7 @@ private slots:
         test::click(m_->cmdcalc);
         QCOMPARE(theEngine().sw.ph(0), 0.0);
         QNEAR(theEngine().sw.ph(2), 7.5);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
     }
 
     // ---------------------------------------------------------------- failures
@@ -388,7 +388,7 @@ private slots:
         test::retype(m_->txtca, QStringLiteral("0"));
         test::retype(m_->txtph, QStringLiteral("8.2"));
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         rec_->clear();
         test::click(m_->cmdcalc);
         QCOMPARE(rec_->messages.size(), 1);
@@ -404,7 +404,7 @@ private slots:
         QCOMPARE(e.rec.pck2, pck2);
         QCOMPARE(e.sw.li(1), li1);
         QCOMPARE(e.rec.mca, mca);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         QVERIFY(!m_->cmdshow->isEnabled());
     }
 
@@ -432,7 +432,7 @@ private slots:
         test::typeWorkedSample(m_);
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         const double li1 = theEngine().sw.li(1);
         test::click(m_->cmdread);
         QVERIFY(m_->cmdcalc->isEnabled());
@@ -489,13 +489,13 @@ private slots:
         QCOMPARE(backColor(m_->txtmg), vb::Yellow);
         type(lewisSample);
         type({"txtna=14"});
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         test::click(m_->cmdread);
-        QCOMPARE(m_->statusText(), workflow::ReadyForAnalysis);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyForAnalysis));
         test::click(m_->cmdaccuracy);
         QVERIFY(!m_->txtsuman->text().isEmpty());
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         QVERIFY(rec_->messages.isEmpty());
         QVERIFY(theEngine().rec.mca > 0 && theEngine().rec.ionic > 0);
         QVERIFY(std::isfinite(theEngine().sw.li(0)));

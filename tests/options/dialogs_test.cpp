@@ -3,7 +3,7 @@
 // and effects on the main window, and Cancel.
 #include "app/startup.h"
 #include "engine/engine.h"
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmactivity.h"
 #include "options/frmionic.h"
@@ -440,7 +440,7 @@ private slots:
         QVERIFY(frmionic::isLoaded() && frmionic::instance()->isHidden());
         const EquationFlags& eq = theOptions().equations;
         QVERIFY(eq.bllewis && !eq.bllang && !eq.blrus);
-        QCOMPARE(m_->statusText(), workflow::ReadyToRead);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::ReadyToRead));
         QVERIFY(m_->cmdread->isEnabled());
         QVERIFY(m_->txttds->text().isEmpty());
         QVERIFY(!enabledFlag(m_->txttds) && !enabledFlag(m_->txtec) && !enabledFlag(m_->fratdsec));
@@ -463,7 +463,7 @@ private slots:
         type({"txtt=25", "txtph=7.5"});
         chooseEquation(QStringLiteral("lewis"));
         QVERIFY(!m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
     }
 
     void langelierAfterLewis_data() {
@@ -519,7 +519,7 @@ private slots:
         QCOMPARE(backColor(m_->txtec), vb::Cyan);
         QCOMPARE(backColor(m_->txttds), vb::LightBlue);
         QVERIFY(!enabledFlag(m_->txttds));
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
         QVERIFY(m_->txtcl->text().isEmpty()); // Larson-Skold not ticked
         type({"txtec=85"});
         QVERIFY(m_->cmdread->isEnabled());
@@ -537,7 +537,7 @@ private slots:
         QCOMPARE(backColor(m_->cmdaccuracy), vb::ButtonFace);
         QVERIFY(!enabledFlag(m_->fraaccuracy));
         QVERIFY(m_->txtsuman->text().isEmpty());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
         QVERIFY(m_->cmdcalc->isEnabled());
     }
 
@@ -547,7 +547,7 @@ private slots:
               "txtcl=50", "txtso4=60", "txthco3=244", "txtco3=0"});
         test::click(m_->cmdread);
         test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::AnalysisDone));
         m_->mnusettingis->setEnabled(false);
         QVERIFY(m_->cmdcalc->isEnabled() && m_->cmdclear->isEnabled());
         // the first emptied ion box finds "End of analysis ": Calculate goes,
@@ -558,7 +558,7 @@ private slots:
         QVERIFY(!m_->cmdclear->isEnabled() && !m_->cmdshow->isEnabled());
         QVERIFY(m_->mnusettingis->isEnabled() && m_->mnusittingac->isEnabled());
         QVERIFY(!m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
         QVERIFY(rec_->messages.isEmpty());
     }
 
@@ -616,7 +616,7 @@ private slots:
         for (int i = 0; i < 4; ++i)
             QCOMPARE(flags[i], i == flag);
         // the activity dialog touches nothing else
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData));
         QVERIFY(eq.bllang);
     }
 

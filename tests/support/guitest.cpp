@@ -1,5 +1,7 @@
 #include "tests/support/guitest.h"
 
+#include "app/startup.h"
+
 #include <QDir>
 #include <QStandardPaths>
 
@@ -21,6 +23,7 @@ void prepareGuiTestEnvironment() {
         }
     }
     QStandardPaths::setTestModeEnabled(true);
+    linkWindows();
 }
 
 } // namespace velmora::test

@@ -1,4 +1,4 @@
-#include "mainwindow/formsupport.h"
+#include "windowkit/formsupport.h"
 
 #include "platform/platform.h"
 
@@ -177,12 +177,6 @@ QColor paintedBackColor(const QWidget* w) {
 
 bool enabledFlag(const QWidget* w) {
     return !w->testAttribute(Qt::WA_ForceDisabled);
-}
-
-bool allFilled(std::initializer_list<const QLineEdit*> boxes) {
-    for (const QLineEdit* b : boxes)
-        if (b->text().isEmpty()) return false;
-    return true;
 }
 
 void setEnabledAll(std::initializer_list<QWidget*> controls, bool enabled) {

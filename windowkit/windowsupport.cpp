@@ -1,4 +1,4 @@
-#include "results/windowsupport.h"
+#include "windowkit/windowsupport.h"
 
 #include "platform/platform.h"
 

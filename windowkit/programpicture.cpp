@@ -1,4 +1,4 @@
-#include "app/programpicture.h"
+#include "windowkit/programpicture.h"
 
 #include <QLinearGradient>
 #include <QPainter>

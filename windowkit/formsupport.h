@@ -115,9 +115,6 @@ QColor paintedBackColor(const QWidget* w);
 // a disabled frame keeps its own flag).
 bool enabledFlag(const QWidget* w);
 
-// True when every box holds text (a filled box is one its change handler
-// kept).
-bool allFilled(std::initializer_list<const QLineEdit*> boxes);
 // Enables or disables each of the controls.
 void setEnabledAll(std::initializer_list<QWidget*> controls, bool enabled);
 
