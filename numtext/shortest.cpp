@@ -5,6 +5,7 @@
 #include "numtext/numtext.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cstdint>
@@ -20,24 +21,13 @@ namespace velmora::fmt {
 
 namespace {
 
-constexpr std::uint64_t kPow10[18] = {1u,
-                                      10u,
-                                      100u,
-                                      1000u,
-                                      10000u,
-                                      100000u,
-                                      1000000u,
-                                      10000000u,
-                                      100000000u,
-                                      1000000000u,
-                                      10000000000u,
-                                      100000000000u,
-                                      1000000000000u,
-                                      10000000000000u,
-                                      100000000000000u,
-                                      1000000000000000u,
-                                      10000000000000000u,
-                                      100000000000000000u};
+// 10^0 to 10^17
+constexpr auto kPow10 = [] {
+    std::array<std::uint64_t, 18> p{1};
+    for (std::size_t i = 1; i < p.size(); ++i)
+        p[i] = 10 * p[i - 1];
+    return p;
+}();
 
 // value = digits x 10^(sciExp - 16), exactly 17 digits (trailing zeros too)
 struct Digits17 {
@@ -46,7 +36,7 @@ struct Digits17 {
 };
 
 // The shortest digits of a finite nonzero x. They are left with any
-// trailing zeros, which the layout finds in the digit text for nothing.
+// trailing zeros, which the layout finds in the digit text at no cost.
 Digits17 shortestDigits(double x) {
     namespace policy = jkj::dragonbox::policy;
     const auto d =
