@@ -12,7 +12,7 @@ cd "$(dirname "$0")"
 
 PACKAGES=(cmake g++ ninja-build pkg-config qt6-base-dev libqt6opengl6-dev qt6-charts-dev libgif-dev libgtest-dev
           libgmock-dev libbenchmark-dev xvfb xauth fonts-dejavu-core time fonts-liberation poppler-utils
-          valgrind)
+          valgrind libdragonbox-dev)
 # the icons, the manuals and the Debian package with its checks
 PACKAGES+=(qt6-svg-dev help2man man-db dpkg-dev lintian desktop-file-utils appstream bash-completion)
 
