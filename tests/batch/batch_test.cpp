@@ -1,4 +1,4 @@
-#include "batch/batchcalc.h"
+#include "batch/run.h"
 
 #include "numtext/numtext.h"
 

@@ -40,14 +40,18 @@ struct Water {
     double temp, ph, alk, ca, tds;
 };
 
-WindowInputs inputs(const Water& w, const std::string& start, const std::string& inc,
-                    const std::string& steps) {
-    WindowInputs in;
-    in.phText = fmt::shortest(w.ph);
-    in.sweepChecked = !steps.empty();
-    in.initialText = start;
-    in.incrementText = inc;
-    in.stepText = steps;
+CalcInputs inputs(const Water& w, const std::string& start, const std::string& inc,
+                  const std::string& steps) {
+    CalcInputs in;
+    in.phEmpty = false;
+    in.ph = w.ph;
+    in.phStrict = w.ph;
+    in.sweep = !steps.empty();
+    if (in.sweep) {
+        in.sweepStart = std::stod(start);
+        in.sweepIncrement = std::stod(inc);
+        in.sweepSteps = std::stod(steps);
+    }
     return in;
 }
 
