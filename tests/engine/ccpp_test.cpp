@@ -266,20 +266,6 @@ TEST(Ccpp, MeasuredPointGivesBackTheMeasuredWater) {
 // ---------------------------------------------------------------------------
 // Crossings
 
-TEST(Crossings, Columns) {
-    std::vector<std::string> neutral;
-    for (const Threshold& t : crossingThresholds(CrossingSet::Neutral))
-        neutral.push_back(t.column);
-    EXPECT_EQ(neutral, (std::vector<std::string>{"ph_li_0", "ph_ri_6p5", "ph_por_6", "ph_ai_12",
-                                                 "ph_ai_10", "ph_dfi_1", "ph_sl_1"}));
-    const auto& table = crossingThresholds(CrossingSet::Table);
-    ASSERT_EQ(table.size(), 24u);
-    EXPECT_EQ(table.front().column, "ph_li_m5");
-    EXPECT_EQ(table[5].column, "ph_li_m0p5");
-    EXPECT_EQ(table[12].column, "ph_ri_5p5");
-    EXPECT_EQ(table.back().column, "ph_sl_1p02");
-}
-
 TEST(Crossings, WorkedSample) {
     Engine e;
     const CalcOutcome out = calculate(e, kWorked, "6", "0.1", "40");
