@@ -44,6 +44,8 @@ Calculator::Calculator(const Options& options) : options_(options) {
     if (options.ccpp) noExtras_ += ",,,";
     if (const auto* set = crossingSet(options)) noExtras_.append(set->size(), ',');
     engine_.setObserver(&collector_);
+    // every row starts from a reset: a failed one has nothing to put back
+    engine_.setRestoreOnFailure(false);
     // the sweep boxes read once for all rows
     in_ = options.sweep ? calcInputs(AnalysisTexts{}, options.sweepStart, options.sweepIncrement,
                                      options.sweepSteps)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <optional>
 #include <type_traits>
 
 namespace velmora {
@@ -561,8 +562,8 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const CalcInputs& in) 
     }
 
     // a failure before the sweep leaves everything as it was
-    Saved saved;
-    save(saved);
+    std::optional<Saved> saved;
+    if (restoreOnFailure_) save(saved.emplace());
     if (written_ < 1) written_ = 1;
     try {
         if (in.sweep) {
@@ -577,7 +578,7 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const CalcInputs& in) 
         sw.ph(0) = sw.ph(1);
         computepoint(flags, in);
     } catch (...) {
-        restore(saved);
+        if (saved) restore(*saved);
         throw;
     }
     copyMeasuredPoint();

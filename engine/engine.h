@@ -206,6 +206,11 @@ public:
     // they were before the call.
     CalcOutcome calculate(const EquationFlags& flags, const CalcInputs& in);
 
+    // Whether a calculation that fails before its sweep puts the analysis
+    // and the points back as they were (on unless turned off). A caller that
+    // starts every calculation from reset() has nothing to put back.
+    void setRestoreOnFailure(bool restore) { restoreOnFailure_ = restore; }
+
     // The state of a freshly started engine: the analysis and every point
     // cleared. Clears what the engine's own calculations wrote since the
     // last reset; a caller that writes the points itself clears them itself
@@ -227,6 +232,7 @@ private:
     void restore(const Saved& saved);
 
     EngineObserver* observer_ = nullptr;
+    bool restoreOnFailure_ = true;
     // The highest point element the engine has written since the last reset.
     int written_ = 0;
     // The terms of a point that do not depend on pH, kept from the last point
