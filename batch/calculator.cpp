@@ -246,7 +246,7 @@ bool Calculator::processRecord(const RecordView& record, OutputBuffer& out) {
         else if (check != BoxCheck::Empty)
             return rejectedCell(check, sample, out);
     }
-    // the window inputs of the row: the pH as read, the carbonate pair's boxes
+    // the numbers of the row for the engine: the pH as read, the carbonate pair's boxes
     // (the pH text itself is not needed: an empty cell leaves it empty, a
     // number is given as read)
     in_.phEmpty = values_[Field::ph].empty;
