@@ -1,6 +1,6 @@
 // velmora-calc: the batch calculator. Everything but the arguments and the
 // signal settings lives in velmora_batch.
-#include "batch/batchcalc.h"
+#include "batch/run.h"
 
 #include <csignal>
 #include <string>

@@ -2,7 +2,7 @@
 // with the measured point only, and fewer samples each with a pH sweep, on
 // one worker, and the measured point with one worker per core. Input and
 // output stay in memory, so the figures are the calculator's own.
-#include "batch/batchcalc.h"
+#include "batch/run.h"
 
 #include <benchmark/benchmark.h>
 

@@ -10,9 +10,22 @@
 
 namespace {
 
+using velmora::CalcInputs;
 using velmora::Engine;
 using velmora::EquationFlags;
-using velmora::WindowInputs;
+
+// The measured pH 7.5, and a sweep when steps is not 0.
+CalcInputs inputs(double start = 0, double increment = 0, double steps = 0) {
+    CalcInputs in;
+    in.phEmpty = false;
+    in.ph = 7.5;
+    in.phStrict = 7.5;
+    in.sweep = steps != 0;
+    in.sweepStart = start;
+    in.sweepIncrement = increment;
+    in.sweepSteps = steps;
+    return in;
+}
 
 // A typical drinking water, read with the Langelier equation and the
 // limiting law, as Read Data leaves it.
@@ -34,8 +47,7 @@ void BM_ComputePoint(benchmark::State& state) {
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
+    const CalcInputs in = inputs();
     e.calculate(flags, in); // fixes ct at the measured point
     e.sw.ph(1) = 8.3;       // a sweep point
     for (auto _ : state) {
@@ -50,8 +62,7 @@ void BM_CalculateMeasuredPoint(benchmark::State& state) {
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
+    const CalcInputs in = inputs();
     for (auto _ : state) {
         auto out = e.calculate(flags, in);
         benchmark::DoNotOptimize(out.computed);
@@ -65,12 +76,7 @@ void BM_Calculate140PointSweep(benchmark::State& state) {
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
-    in.sweepChecked = true;
-    in.initialText = "1.0";
-    in.incrementText = "0.09";
-    in.stepText = "140";
+    const CalcInputs in = inputs(1.0, 0.09, 140);
     for (auto _ : state) {
         auto out = e.calculate(flags, in);
         if (out.sweepError) state.SkipWithError(out.sweepError->what());
@@ -87,8 +93,7 @@ std::vector<double> measuredRow() {
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
+    const CalcInputs in = inputs();
     e.calculate(flags, in);
     const auto& s = e.sw;
     const auto& r = e.rec;
@@ -131,12 +136,7 @@ template <velmora::CrossingSet Set> void BM_CcppAndCrossings(benchmark::State& s
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
-    in.sweepChecked = true;
-    in.initialText = "6.0";
-    in.incrementText = "0.1";
-    in.stepText = "40";
+    const CalcInputs in = inputs(6.0, 0.1, 40);
     const velmora::CalcOutcome out = e.calculate(flags, in);
     for (auto _ : state) {
         const velmora::CcppResult r = velmora::computeCcpp(e);
@@ -152,8 +152,7 @@ void BM_Ccpp(benchmark::State& state) {
     Engine e;
     EquationFlags flags;
     readSample(e, flags);
-    WindowInputs in;
-    in.phText = "7.5";
+    const CalcInputs in = inputs();
     e.calculate(flags, in);
     for (auto _ : state) {
         const velmora::CcppResult r = velmora::computeCcpp(e);

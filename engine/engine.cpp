@@ -1,10 +1,12 @@
 #include "engine/engine.h"
 
-#include "numtext/numtext.h"
-
+#include <algorithm>
 #include <cfenv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
+#include <optional>
+#include <type_traits>
 
 namespace velmora {
 
@@ -106,6 +108,10 @@ double roundEven(double x) {
 }
 
 } // namespace
+
+void EntryNumber::fail() const {
+    throw EngineError(EngineError::Kind::BadConversion, message_);
+}
 
 void PointArray::outOfRange(int i) {
     throw EngineError(EngineError::Kind::IndexOutOfRange,
@@ -298,7 +304,7 @@ void Engine::pointfractions(int i, double k1k2) {
     sw.a2(i) = D(1, F(D(h2, k1k2, "a2") + D(h, r.ck2, "a2") + 1, "a2"), "a2");
 }
 
-void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
+void Engine::computepoint(const EquationFlags& flags, const CalcInputs& in) {
     equilibriumconstants();
     AnalysisRecord& r = rec;
     const int i = sw.ipoint;
@@ -385,13 +391,13 @@ void Engine::computepoint(const EquationFlags& flags, const WindowInputs& in) {
         F(swept_.landMca * F(r.land * sw.co3(i) * 30 / 50, "saturation level"), "saturation level"),
         r.cks, "saturation level");
 
-    if (observer_) observer_->pointCompleted(in.sweepChecked);
+    if (observer_) observer_->pointCompleted(in.sweep);
 }
 
 // ---------------------------------------------------------------------------
 // Ion balance.
 
-void Engine::ionbalance(const EquationFlags& flags, const WindowInputs& in) {
+void Engine::ionbalance(const EquationFlags& flags, const CalcInputs& in) {
     AnalysisRecord& r = rec;
     if (!flags.bllewis) {
         r.accuracyok = true;
@@ -413,11 +419,8 @@ void Engine::ionbalance(const EquationFlags& flags, const WindowInputs& in) {
         // carbonate or bicarbonate not entered: from the alkalinity at point 1
         auto carbonateAtPoint1 = [&]() {
             sw.ipoint = 1;
-            const auto ph = in.phValue ? in.phValue : fmt::strictNumber(in.phText);
-            if (!ph)
-                throw EngineError(EngineError::Kind::BadConversion,
-                                  "the pH text \"" + in.phText + "\" is not a number");
-            sw.ph(1) = *ph;
+            if (written_ < 1) written_ = 1;
+            sw.ph(1) = in.phStrict.read();
             equilibriumconstants();
             const double h = sw.ch(1);
             sw.ctnum(1) =
@@ -462,15 +465,84 @@ void Engine::ionbalance(const EquationFlags& flags, const WindowInputs& in) {
             if (r.suman >= b.lo && r.suman <= b.hi) {
                 const bool ok = -b.limit <= r.diff && r.diff <= b.limit;
                 r.accuracyok = ok;
-                if (observer_) observer_->accuracyVerdict(ok);
+                if (observer_) observer_->ionBalanceJudged(ok);
             }
         }
     }
-    if (observer_) observer_->accuracyRefresh();
+    if (observer_) observer_->ionBalanceDone();
 }
 
 // ---------------------------------------------------------------------------
 // The calculation run.
+
+namespace {
+
+// Every per-point array, for what is done to all of them.
+constexpr PointArray SweepArrays::*kArrays[] = {
+    &SweepArrays::ph,    &SweepArrays::ch,      &SweepArrays::oh,     &SweepArrays::a0,
+    &SweepArrays::a1,    &SweepArrays::a2,      &SweepArrays::ctnum,  &SweepArrays::ctden,
+    &SweepArrays::h2co3, &SweepArrays::hco3,    &SweepArrays::co3,    &SweepArrays::alk,
+    &SweepArrays::alkmg, &SweepArrays::alkeq,   &SweepArrays::alkt,   &SweepArrays::palk,
+    &SweepArrays::phs,   &SweepArrays::pheq,    &SweepArrays::li,     &SweepArrays::ri,
+    &SweepArrays::por,   &SweepArrays::ai,      &SweepArrays::dfi,    &SweepArrays::lr,
+    &SweepArrays::me,    &SweepArrays::sl,      &SweepArrays::co3dfi, &SweepArrays::qb,
+    &SweepArrays::qc,    &SweepArrays::hco3meq,
+};
+constexpr std::size_t kArrayCount = std::size(kArrays);
+// ct, qa, clmeq, so4meq, phstart, phincrement, phsteps and ipoint
+static_assert(sizeof(SweepArrays) == kArrayCount * sizeof(PointArray) + 8 * sizeof(double),
+              "SweepArrays changed: update kArrays, Engine::Saved and Engine::reset");
+// A point array is its 141 doubles and nothing else, element 0 first.
+static_assert(std::is_standard_layout_v<PointArray> && std::is_trivially_copyable_v<PointArray> &&
+              sizeof(PointArray) == PointArray::kSize * sizeof(double));
+
+} // namespace
+
+struct Engine::Saved {
+    AnalysisRecord rec;
+    double ct, qa, clmeq, so4meq, phstart, phincrement, phsteps;
+    std::int16_t ipoint;
+    double points[kArrayCount][2]; // elements 0 and 1 of each array
+};
+
+void Engine::save(Saved& s) const {
+    s.rec = rec;
+    s.ct = sw.ct, s.qa = sw.qa, s.clmeq = sw.clmeq, s.so4meq = sw.so4meq;
+    s.phstart = sw.phstart, s.phincrement = sw.phincrement, s.phsteps = sw.phsteps;
+    s.ipoint = sw.ipoint;
+#pragma GCC unroll 30
+    for (std::size_t a = 0; a < kArrayCount; ++a)
+        std::memcpy(s.points[a], static_cast<const void*>(&(sw.*kArrays[a])), 2 * sizeof(double));
+}
+
+void Engine::restore(const Saved& s) {
+    rec = s.rec;
+    sw.ct = s.ct, sw.qa = s.qa, sw.clmeq = s.clmeq, sw.so4meq = s.so4meq;
+    sw.phstart = s.phstart, sw.phincrement = s.phincrement, sw.phsteps = s.phsteps;
+    sw.ipoint = s.ipoint;
+    for (std::size_t a = 0; a < kArrayCount; ++a)
+        std::memcpy(static_cast<void*>(&(sw.*kArrays[a])), s.points[a], 2 * sizeof(double));
+}
+
+void Engine::reset() {
+    rec = AnalysisRecord{};
+    // every element above written_ is still as the last reset left it
+    // (a fixed size clears the first four elements in a store or two instead
+    // of a call for each array; unrolled, each array's place is a constant)
+    if (written_ < 4) {
+#pragma GCC unroll 30
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0, 4 * sizeof(double));
+    } else {
+        for (auto a : kArrays)
+            std::memset(static_cast<void*>(&(sw.*a)), 0,
+                        sizeof(double) * static_cast<std::size_t>(written_ + 1));
+    }
+    sw.ct = sw.qa = sw.clmeq = sw.so4meq = 0;
+    sw.phstart = sw.phincrement = sw.phsteps = 0;
+    sw.ipoint = 0;
+    written_ = 0;
+}
 
 void Engine::copyMeasuredPoint() {
     PointArray* copied[] = {&sw.li,  &sw.ri, &sw.dfi, &sw.me,    &sw.sl,  &sw.ai,
@@ -480,40 +552,41 @@ void Engine::copyMeasuredPoint() {
         (*a)(0) = (*a)(1);
 }
 
-CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in) {
+CalcOutcome Engine::calculate(const EquationFlags& flags, const CalcInputs& in) {
     CalcOutcome out;
-    if (!in.sweepChecked && !in.phValue && in.phText.empty()) {
+    if (!in.sweep && in.phEmpty) {
         if (observer_)
             observer_->message("you Should enter TDS,T,pH,Mg,Ca and Alk values at least !",
                                "Velmora", MessageIcon::None);
         return out;
     }
 
-    if (in.sweepChecked) {
-        auto strict = [](const std::optional<double>& read, const std::string& text,
-                         const char* box) {
-            const auto v = read ? read : fmt::strictNumber(text);
-            if (!v)
-                throw EngineError(EngineError::Kind::BadConversion,
-                                  std::string("the ") + box + " \"" + text + "\" is not a number");
-            return *v;
-        };
-        sw.phstart = strict(in.initialValue, in.initialText, "start pH");
-        sw.phincrement = strict(in.incrementValue, in.incrementText, "pH increment");
-        sw.phsteps = strict(in.stepValue, in.stepText, "number of steps");
-    }
+    // a failure before the sweep leaves everything as it was
+    std::optional<Saved> saved;
+    if (restoreOnFailure_) save(saved.emplace());
+    if (written_ < 1) written_ = 1;
+    try {
+        if (in.sweep) {
+            sw.phstart = in.sweepStart.read();
+            sw.phincrement = in.sweepIncrement.read();
+            sw.phsteps = in.sweepSteps.read();
+        }
 
-    // the measured point, into element 1 and copied to element 0
-    sw.ipoint = 1;
-    sw.ph(1) = F(in.phValue ? *in.phValue : fmt::leadingNumber(in.phText), "measured pH");
-    sw.ph(0) = sw.ph(1);
-    computepoint(flags, in);
+        // the measured point, into element 1 and copied to element 0
+        sw.ipoint = 1;
+        sw.ph(1) = F(in.ph, "measured pH");
+        sw.ph(0) = sw.ph(1);
+        computepoint(flags, in);
+    } catch (...) {
+        if (saved) restore(*saved);
+        throw;
+    }
     copyMeasuredPoint();
     sw.ipoint = 2;
     out.computed = true;
 
-    if (!in.sweepChecked) {
-        if (observer_) observer_->publishResults();
+    if (!in.sweep) {
+        if (observer_) observer_->measuredPointReady();
     } else {
         const double n = roundEven(sw.phsteps);
         out.sweepPoints = n > 1e6 ? 1000000 : (n < 0 ? 0 : static_cast<int>(n));
@@ -541,6 +614,7 @@ CalcOutcome Engine::calculate(const EquationFlags& flags, const WindowInputs& in
             }
             if (p == n) sw.ipoint = static_cast<std::int16_t>(p + 1);
         }
+        written_ = std::max(written_, std::min<int>(sw.ipoint, PointArray::kSize - 1));
     }
 
     // final check; past the end of the arrays there is nothing to read

@@ -3,9 +3,9 @@
 // equilibrium, the eight corrosion and scaling indices, the ion balance and
 // the calculation run with its pH sweep.
 //
-// Plain C++: nothing here knows about windows. What the engine needs from
-// the windows arrives as plain values (EquationFlags, WindowInputs); what it
-// does to them leaves through EngineObserver.
+// Plain C++: nothing here knows about windows or text. The engine takes
+// numbers (EquationFlags, CalcInputs) and reports its progress through
+// EngineObserver.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +13,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace velmora {
 
@@ -95,7 +96,7 @@ struct SweepArrays {
 };
 
 // ---------------------------------------------------------------------------
-// The equation choices of the two equation dialogs. The engine applies its
+// The chosen ionic strength and activity equations. The engine applies its
 // defaults by setting flags here (they stay set), so it takes them by
 // reference.
 struct EquationFlags {
@@ -103,42 +104,71 @@ struct EquationFlags {
     bool bldavies = false, bledebye = false, blgun = false, bldebye = false; // activity
 };
 
-// What the engine reads from the windows, captured at the moment of the call.
-struct WindowInputs {
-    std::string phText;        // main window, txtph
-    bool hco3Empty = true;     // main window, txthco3 is the empty string
-    bool co3Empty = true;      // main window, txtco3 is the empty string
-    bool sweepChecked = false; // Options dialog, chkphsweep
-    std::string initialText;   // Options dialog, txtinitialph
-    std::string incrementText; // Options dialog, txtincrementph
-    std::string stepText;      // Options dialog, txtstep
-    // The numbers of the texts above when the caller has read them already
-    // (the batch calculator reads each cell once): the engine uses them
-    // instead of reading the texts again, which may then be left empty. Each
-    // is set only for a text that is wholly a number (surrounding blanks
-    // allowed), and is its value.
-    std::optional<double> phValue, initialValue, incrementValue, stepValue;
+// A number the engine reads from an entry, or, for an entry that is not a
+// number, the error of its strict conversion: the engine raises it at the
+// moment it reads the number, so a calculation that reads it fails there
+// and one that does not read it goes on.
+class EntryNumber {
+public:
+    EntryNumber() = default;
+    EntryNumber(double value) : value_(value) {}
+    // An entry that is not a number; `message` is the text of the error.
+    static EntryNumber notANumber(std::string message) {
+        EntryNumber n;
+        n.failed_ = true;
+        n.message_ = std::move(message);
+        return n;
+    }
+    // A number again (the message is kept for the next failure).
+    void set(double value) {
+        value_ = value;
+        failed_ = false;
+    }
+    bool isNumber() const { return !failed_; }
+    // The number; EngineError(BadConversion) when the entry is not one.
+    double read() const {
+        if (failed_) [[unlikely]]
+            fail();
+        return value_;
+    }
+
+private:
+    [[noreturn]] void fail() const;
+    double value_ = 0;
+    bool failed_ = false;
+    std::string message_;
+};
+
+// The numbers a calculation starts from, captured at the moment of the call.
+struct CalcInputs {
+    bool phEmpty = true; // no pH was entered
+    // the pH's leading number (0 when there is none, infinite when it is
+    // beyond a double), and the pH as a whole number, for the ion balance
+    double ph = 0;
+    EntryNumber phStrict;
+    bool hco3Empty = true; // no bicarbonate was entered
+    bool co3Empty = true;  // no carbonate was entered
+    bool sweep = false;    // the pH sweep follows the measured point
+    EntryNumber sweepStart, sweepIncrement, sweepSteps;
 };
 
 enum class MessageIcon { None, Information, Warning, Critical };
 
-// Effects of the engine on the windows. The main window implements it; the
+// What a calculation reports as it goes. The main window implements it; the
 // batch calculator implements it to collect messages.
 class EngineObserver {
 public:
     virtual ~EngineObserver() = default;
-    // End of every completed point: status "End of analysis ", Clear and
-    // Show results on, Graph on when the sweep is checked, Save and Print on.
-    virtual void pointCompleted(bool sweepChecked) = 0;
-    // Ion balance verdict: the accuracy button coloured green (acceptable)
-    // or red, enabled, and the status text set accordingly.
-    virtual void accuracyVerdict(bool acceptable) = 0;
-    // Last step of the ion balance: refresh the accuracy boxes if their frame
-    // is enabled.
-    virtual void accuracyRefresh() = 0;
-    // The sweep is off: copy element 0 into the Results windows.
-    virtual void publishResults() = 0;
-    // A message box with an OK button.
+    // A point of the calculation is complete (the measured point or a sweep
+    // point); `sweep` is whether the run has a sweep.
+    virtual void pointCompleted(bool sweep) = 0;
+    // The ion balance judged the analysis accurate enough (acceptable) or not.
+    virtual void ionBalanceJudged(bool acceptable) = 0;
+    // The ion balance is over, its sums in the analysis record.
+    virtual void ionBalanceDone() = 0;
+    // A run without a sweep has its measured point in element 0.
+    virtual void measuredPointReady() = 0;
+    // A message for the user, with an OK button.
     virtual void message(const std::string& text, const std::string& title, MessageIcon icon) = 0;
 };
 
@@ -167,13 +197,25 @@ public:
     // Constants, hydrogen and hydroxide, ionisation fractions of point ipoint.
     void equilibriumconstants();
     // Point ipoint complete: carbonate system, saturation pH, the eight indices.
-    void computepoint(const EquationFlags& flags, const WindowInputs& in);
+    void computepoint(const EquationFlags& flags, const CalcInputs& in);
     // Ion balance of the analysis; sets accuracyok.
-    void ionbalance(const EquationFlags& flags, const WindowInputs& in);
-    // The calculation run (Calculate): the measured point, then the sweep.
-    // A run-time error at the measured point, or a sweep text that cannot be
-    // converted, propagates as EngineError with earlier results left in place.
-    CalcOutcome calculate(const EquationFlags& flags, const WindowInputs& in);
+    void ionbalance(const EquationFlags& flags, const CalcInputs& in);
+    // The calculation run: the measured point, then the sweep. A run-time
+    // error at the measured point, or a sweep number that is not one,
+    // propagates as EngineError; the analysis and the points are then as
+    // they were before the call.
+    CalcOutcome calculate(const EquationFlags& flags, const CalcInputs& in);
+
+    // Whether a calculation that fails before its sweep puts the analysis
+    // and the points back as they were (on unless turned off). A caller that
+    // starts every calculation from reset() has nothing to put back.
+    void setRestoreOnFailure(bool restore) { restoreOnFailure_ = restore; }
+
+    // The state of a freshly started engine: the analysis and every point
+    // cleared. Clears what the engine's own calculations wrote since the
+    // last reset; a caller that writes the points itself clears them itself
+    // (sw = SweepArrays{}).
+    void reset();
 
     // The arrays copied from element 1 to element 0 after the measured point.
     void copyMeasuredPoint();
@@ -183,7 +225,16 @@ private:
     // ionisation fractions.
     void pointfractions(int i, double k1k2);
 
+    // The analysis and the points the measured point may change, kept
+    // before it is computed and put back when it fails.
+    struct Saved;
+    void save(Saved& saved) const;
+    void restore(const Saved& saved);
+
     EngineObserver* observer_ = nullptr;
+    bool restoreOnFailure_ = true;
+    // The highest point element the engine has written since the last reset.
+    int written_ = 0;
     // The terms of a point that do not depend on pH, kept from the last point
     // computed in full; during a sweep the points take them from there.
     struct PhIndependent {

@@ -54,11 +54,11 @@ AnalysisValues analysisValues(const AnalysisTexts& b) {
 
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& b, EquationFlags& flags,
                             bool bllr) {
-    return readAnalysis(engine, analysisValues(b), flags, bllr, windowInputs(b));
+    return readAnalysis(engine, analysisValues(b), flags, bllr, calcInputs(b));
 }
 
 ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& b, EquationFlags& flags,
-                            bool bllr, const WindowInputs& in) {
+                            bool bllr, const CalcInputs& in) {
     AnalysisRecord& r = engine.rec;
     const bool basicMissing =
         b[Field::t].empty || b[Field::alk].empty || b[Field::ph].empty || b[Field::ca].empty;
@@ -120,11 +120,31 @@ ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& b, EquationFla
     return result;
 }
 
-WindowInputs windowInputs(const AnalysisTexts& boxes) {
-    WindowInputs in;
-    in.phText = boxes[Field::ph];
+EntryNumber strictEntry(std::string_view text, std::string_view what) {
+    if (const auto v = fmt::strictNumber(text)) return EntryNumber(*v);
+    std::string message = "the ";
+    message.append(what).append(" \"").append(text).append("\" is not a number");
+    return EntryNumber::notANumber(std::move(message));
+}
+
+CalcInputs calcInputs(const AnalysisTexts& boxes) {
+    CalcInputs in;
+    const std::string& ph = boxes[Field::ph];
+    in.phEmpty = ph.empty();
+    in.ph = fmt::leadingNumber(ph);
+    in.phStrict = strictEntry(ph, "pH text");
     in.hco3Empty = boxes[Field::hco3].empty();
     in.co3Empty = boxes[Field::co3].empty();
+    return in;
+}
+
+CalcInputs calcInputs(const AnalysisTexts& boxes, std::string_view start,
+                      std::string_view increment, std::string_view steps) {
+    CalcInputs in = calcInputs(boxes);
+    in.sweep = true;
+    in.sweepStart = strictEntry(start, "start pH");
+    in.sweepIncrement = strictEntry(increment, "pH increment");
+    in.sweepSteps = strictEntry(steps, "number of steps");
     return in;
 }
 

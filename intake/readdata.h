@@ -45,12 +45,21 @@ struct ReadDataResult {
 ReadDataResult readAnalysis(Engine& engine, const AnalysisTexts& boxes, EquationFlags& flags,
                             bool bllr);
 // The same from boxes already read (the batch calculator reads each cell
-// once); `in` as windowInputs gives it for the boxes.
+// once); `in` as calcInputs gives it for the boxes.
 ReadDataResult readAnalysis(Engine& engine, const AnalysisValues& boxes, EquationFlags& flags,
-                            bool bllr, const WindowInputs& in);
+                            bool bllr, const CalcInputs& in);
 
-// The window inputs the engine reads during Read Data and Calculate.
-WindowInputs windowInputs(const AnalysisTexts& boxes);
+// The numbers the engine reads during Read Data and Calculate: the pH and
+// the carbonate pair's emptiness from the boxes, without a sweep.
+CalcInputs calcInputs(const AnalysisTexts& boxes);
+// The same with the sweep on, from the texts of its start pH, pH increment
+// and number of steps.
+CalcInputs calcInputs(const AnalysisTexts& boxes, std::string_view start,
+                      std::string_view increment, std::string_view steps);
+// A text the engine converts strictly: its number when it is wholly one
+// (surrounding blanks allowed), or else the error "the WHAT "TEXT" is not a
+// number" for the engine to raise when it reads it.
+EntryNumber strictEntry(std::string_view text, std::string_view what);
 
 // The check an analysis box runs on its whole text: the message that rejects
 // it ("You must enter a number!", or for the pH box "pH must be a positive

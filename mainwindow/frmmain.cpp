@@ -803,22 +803,16 @@ void frmMain::showAccuracySums() {
 }
 
 void frmMain::cmdcalc_Click() {
-    WindowInputs in = windowInputs(analysisTexts());
     const frmOptions* options = frmOptions::instance();
-    in.sweepChecked = options->chkphsweep->isChecked();
-    in.initialText = numberFromBox(options->txtinitialph->text());
-    in.incrementText = numberFromBox(options->txtincrementph->text());
-    in.stepText = numberFromBox(options->txtstep->text());
-    // a failure before the sweep leaves the results of the last calculation
-    // as they were, for Show results and More results to show
-    Engine& engine = theEngine();
-    const auto saved =
-        std::make_unique<const std::pair<AnalysisRecord, SweepArrays>>(engine.rec, engine.sw);
+    const CalcInputs in =
+        options->chkphsweep->isChecked()
+            ? calcInputs(analysisTexts(), numberFromBox(options->txtinitialph->text()),
+                         numberFromBox(options->txtincrementph->text()),
+                         numberFromBox(options->txtstep->text()))
+            : calcInputs(analysisTexts());
     try {
-        engine.calculate(theOptions().equations, in);
+        theEngine().calculate(theOptions().equations, in);
     } catch (const std::exception& e) {
-        engine.rec = saved->first;
-        engine.sw = saved->second;
         reportFailure(QStringLiteral("Calculate"), e.what());
     }
 }
@@ -850,17 +844,17 @@ void frmMain::pointCompleted(bool sweep) {
     mnuFilePrint->setEnabled(true);
 }
 
-void frmMain::accuracyVerdict(bool acceptable) {
+void frmMain::ionBalanceJudged(bool acceptable) {
     setBackColor(cmdaccuracy, acceptable ? vb::Green : vb::Red);
     cmdaccuracy->setEnabled(true);
     setState(acceptable ? Workflow::AccuracyAcceptable : Workflow::AccuracyUnacceptable);
 }
 
-void frmMain::accuracyRefresh() {
+void frmMain::ionBalanceDone() {
     if (enabledFlag(fraaccuracy)) showAccuracySums();
 }
 
-void frmMain::publishResults() {
+void frmMain::measuredPointReady() {
     publishResultsWindows(theEngine(), theOptions());
 }
 

@@ -110,10 +110,10 @@ public:
     bool chlorideAndSulphateGiven() const override;
 
     // --- EngineObserver
-    void pointCompleted(bool sweepChecked) override;
-    void accuracyVerdict(bool acceptable) override;
-    void accuracyRefresh() override;
-    void publishResults() override;
+    void pointCompleted(bool sweep) override;
+    void ionBalanceJudged(bool acceptable) override;
+    void ionBalanceDone() override;
+    void measuredPointReady() override;
     void message(const std::string& text, const std::string& title, MessageIcon icon) override;
 
 public slots:

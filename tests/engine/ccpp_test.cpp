@@ -40,14 +40,18 @@ struct Water {
     double temp, ph, alk, ca, tds;
 };
 
-WindowInputs inputs(const Water& w, const std::string& start, const std::string& inc,
-                    const std::string& steps) {
-    WindowInputs in;
-    in.phText = fmt::shortest(w.ph);
-    in.sweepChecked = !steps.empty();
-    in.initialText = start;
-    in.incrementText = inc;
-    in.stepText = steps;
+CalcInputs inputs(const Water& w, const std::string& start, const std::string& inc,
+                  const std::string& steps) {
+    CalcInputs in;
+    in.phEmpty = false;
+    in.ph = w.ph;
+    in.phStrict = w.ph;
+    in.sweep = !steps.empty();
+    if (in.sweep) {
+        in.sweepStart = std::stod(start);
+        in.sweepIncrement = std::stod(inc);
+        in.sweepSteps = std::stod(steps);
+    }
     return in;
 }
 
@@ -261,20 +265,6 @@ TEST(Ccpp, MeasuredPointGivesBackTheMeasuredWater) {
 
 // ---------------------------------------------------------------------------
 // Crossings
-
-TEST(Crossings, Columns) {
-    std::vector<std::string> neutral;
-    for (const Threshold& t : crossingThresholds(CrossingSet::Neutral))
-        neutral.push_back(t.column);
-    EXPECT_EQ(neutral, (std::vector<std::string>{"ph_li_0", "ph_ri_6p5", "ph_por_6", "ph_ai_12",
-                                                 "ph_ai_10", "ph_dfi_1", "ph_sl_1"}));
-    const auto& table = crossingThresholds(CrossingSet::Table);
-    ASSERT_EQ(table.size(), 24u);
-    EXPECT_EQ(table.front().column, "ph_li_m5");
-    EXPECT_EQ(table[5].column, "ph_li_m0p5");
-    EXPECT_EQ(table[12].column, "ph_ri_5p5");
-    EXPECT_EQ(table.back().column, "ph_sl_1p02");
-}
 
 TEST(Crossings, WorkedSample) {
     Engine e;

@@ -320,18 +320,56 @@ TEST_F(ReadData, OutOfRangeValuesAreOverflowErrors) {
     }
 }
 
-TEST(WindowInputsFromBoxes, CarriesPhAndCarbonateEmptiness) {
+// The number an entry gives the engine, or the message of its error.
+std::string entry(const EntryNumber& n) {
+    try {
+        return std::to_string(n.read());
+    } catch (const EngineError& e) {
+        EXPECT_EQ(e.kind(), EngineError::Kind::BadConversion);
+        return e.what();
+    }
+}
+
+TEST(CalcInputsFromBoxes, ThePhBothWaysAndTheCarbonatePair) {
+    struct Case {
+        const char* name;
+        const char* ph;
+        bool empty;
+        double leading;
+        const char* strict;
+    };
+    const Case cases[] = {
+        {"number", " 7.5", false, 7.5, "7.500000"},
+        {"trailing_text", "7.5x", false, 7.5, "the pH text \"7.5x\" is not a number"},
+        {"beyond_a_double", "1e400", false, HUGE_VAL, "the pH text \"1e400\" is not a number"},
+        {"empty", "", true, 0, "the pH text \"\" is not a number"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        AnalysisTexts b;
+        b[Field::ph] = c.ph;
+        b[Field::co3] = "0";
+        const CalcInputs in = calcInputs(b);
+        EXPECT_EQ(in.phEmpty, c.empty);
+        EXPECT_EQ(in.ph, c.leading);
+        EXPECT_EQ(entry(in.phStrict), c.strict);
+        EXPECT_TRUE(in.hco3Empty);
+        EXPECT_FALSE(in.co3Empty);
+        EXPECT_FALSE(in.sweep);
+    }
     AnalysisTexts b;
-    b[Field::ph] = " 7.5";
-    b[Field::hco3] = "";
-    b[Field::co3] = "0";
-    const WindowInputs in = windowInputs(b);
-    EXPECT_EQ(in.phText, " 7.5");
-    EXPECT_TRUE(in.hco3Empty);
-    EXPECT_FALSE(in.co3Empty);
-    EXPECT_FALSE(in.sweepChecked);
     b[Field::hco3] = " ";
-    EXPECT_FALSE(windowInputs(b).hco3Empty);
+    EXPECT_FALSE(calcInputs(b).hco3Empty);
+}
+
+TEST(CalcInputsFromBoxes, SweepNumbersCarryTheirOwnMessages) {
+    const CalcInputs in = calcInputs(AnalysisTexts{}, " 6.5 ", "x", "");
+    EXPECT_TRUE(in.sweep);
+    EXPECT_EQ(entry(in.sweepStart), "6.500000");
+    EXPECT_EQ(entry(in.sweepIncrement), "the pH increment \"x\" is not a number");
+    EXPECT_EQ(entry(in.sweepSteps), "the number of steps \"\" is not a number");
+    EXPECT_EQ(entry(calcInputs(AnalysisTexts{}, "1e400", "0", "3").sweepStart),
+              "the start pH \"1e400\" is not a number");
 }
 
 TEST(BoxCheck, NumbersAndPhRange) {

@@ -1,4 +1,3 @@
-#include "options/optionstate.h"
 #include "options/sweepsettings.h"
 
 #include <gtest/gtest.h>
@@ -189,14 +188,6 @@ TEST(SweepApply, Cases) {
     }
 }
 
-TEST(SweepApply, FullListOf140Steps) {
-    SweepList list;
-    double phstart = 0;
-    const SweepApplyResult r = applySweep("7", "0", "140", list, phstart);
-    EXPECT_EQ(r.outcome, Outcome::Applied);
-    EXPECT_EQ(list.entry[140], 7);
-}
-
 TEST(SweepApply, TextsThatAreNotNumbersThrow) {
     struct Case {
         const char* name;
@@ -248,14 +239,6 @@ TEST(SweepApply, MoreThan140StepsRunPastTheList) {
         EXPECT_EQ(e.kind(), EngineError::Kind::IndexOutOfRange);
     }
     EXPECT_EQ(list.entry[140], 7);
-}
-
-TEST(PublishedOptions, OneInstanceStartingCleared) {
-    OptionState& a = theOptions();
-    EXPECT_EQ(&a, &theOptions());
-    EXPECT_FALSE(a.index.bllr);
-    EXPECT_FALSE(a.index.blli);
-    EXPECT_EQ(a.sweep.entry[0], 0);
 }
 
 } // namespace
