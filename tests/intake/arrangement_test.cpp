@@ -1,0 +1,55 @@
+#include "intake/arrangement.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace velmora {
+namespace {
+
+// Roles and the required set written as one letter a field, in the order of
+// Field: tds ec t ph alk ca mg k na zn mn fe al hco3 co3 no2 no3 f cl so4.
+// R required, O optional, C carbonate pair, U unused; capitals mark the
+// fields of Read Data's required set.
+std::string written(const Arrangement& a) {
+    std::string s;
+    for (const FieldInfo& fi : kFields) {
+        const char c = "rocu"[static_cast<int>(a.role[fi.field])];
+        s += a.needed[fi.field] ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+    return s;
+}
+
+TEST(Arrangement, RolesAndRequiredSetByEquationAndIndex) {
+    struct Row {
+        const char* name;
+        Equation equation;
+        bool larsonSkold;
+        const char* expected;
+    };
+    const Row rows[] = {
+        //                                     tds ec t ph alk ca mg..al hco3 co3 no2..f cl so4
+        {"langelier", Equation::Langelier, false, "RuRRRRuuuuuuuuuuuuuu"},
+        {"langelier_ls", Equation::Langelier, true, "RuRRRRuuuuuuuuuuuuOO"},
+        {"russell", Equation::Russell, false, "uRRRRRuuuuuuuuuuuuuu"},
+        {"russell_ls", Equation::Russell, true, "uRRRRRuuuuuuuuuuuuOO"},
+        // Lewis and Randall offers every ion and never asks for them
+        {"lewis", Equation::Lewis, false, "uuRRRRoooooooccooooo"},
+        {"lewis_ls", Equation::Lewis, true, "uuRRRRoooooooccooooo"},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(written(arrangement(r.equation, r.larsonSkold)), r.expected) << r.name;
+}
+
+TEST(Arrangement, EquationOfTheFlags) {
+    EquationFlags none, lewis, russell, both;
+    lewis.bllewis = russell.blrus = true;
+    both.bllewis = both.blrus = true;
+    EXPECT_EQ(equationOf(none), Equation::Langelier);
+    EXPECT_EQ(equationOf(russell), Equation::Russell);
+    EXPECT_EQ(equationOf(lewis), Equation::Lewis);
+    EXPECT_EQ(equationOf(both), Equation::Lewis);
+}
+
+} // namespace
+} // namespace velmora
