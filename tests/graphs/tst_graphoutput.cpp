@@ -109,12 +109,9 @@ class TestGraphOutput : public test::ProgramTest {
 
 private slots:
     void gifIsTheChartAt800x400WithExactColours();
-    void gifNameGetsGifAppended_data();
-    void gifNameGetsGifAppended();
-    void gifCancelWritesNothing();
+    void gifNameGetsGifAppendedAndCancelWritesNothing();
     void gifFailureLeavesTheOldFile();
     void printTwoCopiesLandscapeWithStamp();
-    void printCancelPrintsNothing();
     void printRect_data();
     void printRect();
     void fitIsLargerThanNormalOnPaper();
@@ -150,37 +147,20 @@ void TestGraphOutput::gifIsTheChartAt800x400WithExactColours() {
     QVERIFY2(differing < 800 * 400 / 20, qPrintable(QString::number(differing)));
 }
 
-void TestGraphOutput::gifNameGetsGifAppended_data() {
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<QString>("written");
-    QTest::newRow("no extension") << "chart"
-                                  << "chart.GIF";
-    QTest::newRow("with its extension") << "chart.GIF"
-                                        << "chart.GIF.GIF";
-    QTest::newRow("another extension") << "chart.png"
-                                       << "chart.png.GIF";
-}
-
-void TestGraphOutput::gifNameGetsGifAppended() {
-    newFolder();
-    QFETCH(QString, typed);
-    QFETCH(QString, written);
-    frmgraphresult* g = chartOfSweep(3);
-    rec_->saveName = path(typed);
-    test::click(g->cmdsave);
-    QCOMPARE(QDir(dir_->path()).entryList(QDir::Files), QStringList{written});
-    QVERIFY(rec_->messages.isEmpty());
-}
-
-void TestGraphOutput::gifCancelWritesNothing() {
-    newFolder();
-    frmgraphresult* g = chartOfSweep(3);
-    rec_->saveName.clear();
-    test::click(g->cmdsave);
-    QCOMPARE(rec_->saveFilters.size(), 1);
-    QVERIFY(QDir(dir_->path()).entryList(QDir::Files).isEmpty());
-    QVERIFY(g->gifname.isEmpty());
-    QVERIFY(rec_->messages.isEmpty());
+void TestGraphOutput::gifNameGetsGifAppendedAndCancelWritesNothing() {
+    const std::pair<QString, QStringList> cases[] = {
+        {"chart", {"chart.GIF"}}, {"chart.png", {"chart.png.GIF"}}, {"", {}}};
+    for (const auto& [typed, written] : cases) {
+        newFolder();
+        frmgraphresult* g = chartOfSweep(3);
+        rec_->saveName = typed.isEmpty() ? QString() : path(typed);
+        test::click(g->cmdsave);
+        QCOMPARE(QDir(dir_->path()).entryList(QDir::Files), written);
+        QCOMPARE(g->gifname.isEmpty(), typed.isEmpty());
+        QVERIFY(rec_->messages.isEmpty());
+        g->close();
+        test::flushDeletions();
+    }
 }
 
 void TestGraphOutput::gifFailureLeavesTheOldFile() {
@@ -214,6 +194,12 @@ void TestGraphOutput::printTwoCopiesLandscapeWithStamp() {
     frmgraphresult* g = chartOfSweep(10);
     const QString pdf = print(g, 2, true);
     QCOMPARE(rec_->printDialogs, 1);
+    // cancelled: nothing printed
+    rec_->printCopies.reset();
+    rec_->printToPdf = path(QStringLiteral("cancelled.pdf"));
+    test::click(g->cmdprint);
+    QCOMPARE(rec_->printDialogs, 2);
+    QVERIFY(!QFile::exists(path("cancelled.pdf")));
     const QByteArray data = readAll(pdf);
     QVERIFY(data.startsWith("%PDF"));
 
@@ -253,17 +239,6 @@ void TestGraphOutput::printTwoCopiesLandscapeWithStamp() {
     const double twoCm = 72 * 2 / 2.54;
     QVERIFY(std::abs(m.captured(1).toDouble() - (printable.left() + twoCm)) < 1.5);
     QVERIFY(std::abs(m.captured(2).toDouble() - (printable.top() + twoCm)) < 3);
-}
-
-void TestGraphOutput::printCancelPrintsNothing() {
-    newFolder();
-    frmgraphresult* g = chartOfSweep(3);
-    rec_->printCopies.reset();
-    rec_->printToPdf = path("cancelled.pdf");
-    test::click(g->cmdprint);
-    QCOMPARE(rec_->printDialogs, 1);
-    QVERIFY(!QFile::exists(path("cancelled.pdf")));
-    QVERIFY(rec_->messages.isEmpty());
 }
 
 void TestGraphOutput::printRect_data() {
