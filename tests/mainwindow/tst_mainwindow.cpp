@@ -58,7 +58,7 @@ private slots:
                            m_->toolbarButton(5), m_->toolbarButton(9)})
             QVERIFY(!a->isEnabled());
         QVERIFY(m_->toolbarButton(1)->isEnabled() && m_->toolbarButton(7)->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
+        QCOMPARE(m_->statusPanel(1)->text(), workflow::EnteringData);
         QCOMPARE(m_->statusPanel(2)->text(),
                  QLocale().toString(QDate(2024, 5, 17), QLocale::ShortFormat));
         QCOMPARE(m_->statusPanel(3)->text(),
@@ -234,17 +234,18 @@ private slots:
 
     // ---------------------------------------------------------------- closing
     void closingWritesThePlacement() {
-        const QRect frame(m_->pos(), m_->size());
+        const QRect twips = twipsGeometry(m_);
+        QCOMPARE(twips.topLeft(), m_->pos() * 15);
         m_->close();
         QCOMPARE(rec_->settingWrites, 4);
-        const std::pair<const char*, int> keys[] = {{"MainLeft", frame.x()},
-                                                    {"MainTop", frame.y()},
-                                                    {"MainWidth", frame.width()},
-                                                    {"MainHeight", frame.height()}};
-        for (const auto& [key, pixels] : keys)
+        const std::pair<const char*, int> keys[] = {{"MainLeft", twips.x()},
+                                                    {"MainTop", twips.y()},
+                                                    {"MainWidth", twips.width()},
+                                                    {"MainHeight", twips.height()}};
+        for (const auto& [key, value] : keys)
             QCOMPARE(rec_->settings.value(
                          RecordingPlatform::settingKey("Velmora", "Settings", QLatin1String(key))),
-                     QString::number(pixels * 15));
+                     QString::number(value));
     }
 
     void closingMinimizedWritesNothing() {
