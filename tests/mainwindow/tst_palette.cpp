@@ -48,23 +48,15 @@ private slots:
         QToolTip::setPalette(test::darkPalette());
     }
 
-    void textColourOn_data() {
-        QTest::addColumn<QColor>("back");
-        QTest::addColumn<QColor>("text");
-        QTest::newRow("white") << QColor(Qt::white) << QColor(Qt::black);
-        QTest::newRow("cyan") << QColor(0, 255, 255) << QColor(Qt::black);
-        QTest::newRow("pure red") << QColor(255, 0, 0) << QColor(Qt::black);
-        QTest::newRow("navy") << QColor(0, 0, 128) << QColor(Qt::white);
-        QTest::newRow("black") << QColor(Qt::black) << QColor(Qt::white);
-    }
     void textColourOn() {
-        QFETCH(QColor, back);
-        QFETCH(QColor, text);
-        QCOMPARE(velmora::textColourOn(back), text);
-        // disabled text is dimmer, yet still apart from the back colour
-        const double enabled = contrastRatio(text, back);
-        const double disabled = contrastRatio(disabledTextColourOn(back), back);
-        QVERIFY2(disabled < enabled && disabled >= 2.5, qPrintable(QString::number(disabled)));
+        const std::pair<QColor, QColor> cases[] = {
+            {Qt::white, Qt::black}, {QColor(255, 0, 0), Qt::black}, {QColor(0, 0, 128), Qt::white}};
+        for (const auto& [back, text] : cases) {
+            QCOMPARE(velmora::textColourOn(back), text);
+            // disabled text is dimmer, yet still apart from the back colour
+            const double disabled = contrastRatio(disabledTextColourOn(back), back);
+            QVERIFY(disabled < contrastRatio(text, back) && disabled >= 2.5);
+        }
     }
 
     // Under each ionic strength equation (each colours the boxes its own
