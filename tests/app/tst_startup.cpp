@@ -75,6 +75,9 @@ private slots:
         frmMain* m = startProgram();
         qApp->removeEventFilter(&watcher);
         QVERIFY(watcher.shown && !frmSplash::isLoaded());
+        QVERIFY(frmSplash::instance()); // loaded afresh when asked for, and let go
+        frmSplash::unload();
+        QVERIFY(!frmSplash::isLoaded());
         QCOMPARE(frmMain::instance(), m);
         QVERIFY(m->isVisible());
         // the Langelier equation is in force without its dialog
@@ -152,21 +155,6 @@ private slots:
         m->close();
         test::flushDeletions();
         QCOMPARE(startedAt(), QRect(150, 90, 700, 520));
-    }
-
-    void quitsAfterTheFirstPaintWhenAsked() {
-        frmSplash::instance();
-        frmSplash::unload();
-        QVERIFY(!frmSplash::isLoaded());
-        frmMain* m = startProgram();
-        quitAfterFirstPaint(m);
-        bool timedOut = false;
-        QTimer::singleShot(10000, qApp, [&timedOut] {
-            timedOut = true;
-            qApp->quit();
-        });
-        QCoreApplication::exec();
-        QVERIFY(!timedOut);
     }
 };
 

@@ -95,18 +95,6 @@ class TestGraphOutput : public test::ProgramTest {
         test::click(g->cmdprint);
         return pdf;
     }
-    // Pixels of the plot-area colour on page 1 rasterised at 30 dpi.
-    int plotAreaOnPaper(const QString& pdf) {
-        const auto out =
-            poppler("pdftoppm", {"-r", "30", "-f", "1", "-l", "1", "-png", pdf, path("page")});
-        if (!out) return -1;
-        const QStringList pages = QDir(dir_->path()).entryList({"page*.png"});
-        if (pages.isEmpty()) return 0;
-        const QImage page(path(pages.first()));
-        QFile::remove(path(pages.first()));
-        return countColour(page.convertToFormat(QImage::Format_RGB32), kPlotArea);
-    }
-
 private slots:
     void gifIsTheChartAt800x400WithExactColours();
     void gifNameGetsGifAppendedAndCancelWritesNothing();
@@ -114,7 +102,6 @@ private slots:
     void printTwoCopiesLandscapeWithStamp();
     void printRect_data();
     void printRect();
-    void fitIsLargerThanNormalOnPaper();
 };
 
 void TestGraphOutput::gifIsTheChartAt800x400WithExactColours() {
@@ -259,18 +246,6 @@ void TestGraphOutput::printRect() {
     QFETCH(bool, fit);
     QFETCH(QRectF, expected);
     QCOMPARE(frmgraphresult::printRect(picture, 96, QSizeF(12000, 8000), 1200, fit), expected);
-}
-
-void TestGraphOutput::fitIsLargerThanNormalOnPaper() {
-    newFolder();
-    frmgraphresult* g = chartOfSweep(8);
-    const int fitted = plotAreaOnPaper(print(g, 1, true));
-    if (fitted < 0) QSKIP("pdftoppm (poppler-utils) is not installed");
-    const int normal = plotAreaOnPaper(print(g, 1, false));
-    QVERIFY(normal > 0);
-    // the fitted chart fills the paper's width or height: about 1.6 times
-    // the on-screen size each way here
-    QVERIFY2(fitted > 2 * normal, qPrintable(QStringLiteral("%1 %2").arg(fitted).arg(normal)));
 }
 
 VELMORA_GUI_TEST_MAIN(TestGraphOutput)

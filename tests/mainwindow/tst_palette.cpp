@@ -89,27 +89,6 @@ private slots:
         }
     }
 
-    // What the screen shows: the pixels the typed digits change in a cyan
-    // box are darker than the box.
-    void typedTextIsPaintedDark() {
-        QLineEdit* t = m_->txtt;
-        QCOMPARE(backColor(t), vb::Cyan);
-        const QImage empty = t->grab().toImage();
-        test::typeInto(t, "88");
-        const QImage typed = t->grab().toImage();
-        QCOMPARE(typed.size(), empty.size());
-        const int backGray = qGray(t->palette().color(QPalette::Base).rgb());
-        int changed = 0, darker = 0;
-        for (int y = 0; y < typed.height(); ++y)
-            for (int x = 0; x < typed.width(); ++x)
-                if (typed.pixel(x, y) != empty.pixel(x, y)) {
-                    ++changed;
-                    if (qGray(typed.pixel(x, y)) < backGray - 60) ++darker;
-                }
-        QVERIFY2(changed > 10 && darker * 2 > changed,
-                 qPrintable(QString("%1 of %2").arg(darker).arg(changed)));
-    }
-
     // A box or button given back its system colour has the desktop's text
     // colour again.
     void systemColourBringsBackSystemText() {

@@ -150,22 +150,6 @@ private slots:
         QVERIFY(o->isVisible());
     }
 
-    void validSweepBuildsTheList() {
-        const std::tuple<const char*, const char*, int> cases[] = {
-            {"6.5", "0.5", 5}, {"13", "1", 1}, {"8", "0", 4}, {"1", "0.1", 129}};
-        for (const auto& [start, inc, steps] : cases) {
-            frmOptions* o = openOptions();
-            fillSweep(o, start, inc, QString::number(steps));
-            test::click(o->cmdApply);
-            QVERIFY(rec_->messages.isEmpty());
-            double expected = QString(start).toDouble();
-            QCOMPARE(theEngine().sw.phstart, expected);
-            for (int i = 0; i <= steps; ++i, expected += QString(inc).toDouble())
-                QCOMPARE(theOptions().sweep.entry[i], expected);
-            QVERIFY(m_->cmdread->isEnabled());
-        }
-    }
-
     void applyAndOkMoveTheWorkflowBack() {
         calculateFive();
         m_->toolbarButton(9)->setEnabled(true);
@@ -270,16 +254,6 @@ private slots:
         QCOMPARE(backColor(m_->txtmg), vb::LightBlue);
     }
 
-    void langelierAfterLewisKeepsTheLarsonSkoldBoxes() {
-        frmOptions::instance()->chklr->setChecked(true);
-        chooseEquation(QStringLiteral("lewis"));
-        type({"txtmg=24", "txtcl=50", "txtso4=60"});
-        chooseEquation(QStringLiteral("lang"));
-        QVERIFY(m_->txtmg->text().isEmpty() && !enabledFlag(m_->txtmg));
-        QVERIFY(m_->txtcl->text() == "50" && enabledFlag(m_->txtcl) && enabledFlag(m_->frmanions));
-        QCOMPARE(backColor(m_->txtcl), vb::Yellow);
-    }
-
     void lewisOkMovesTheWorkflow() {
         type({"txtt=25", "txtph=7.5"});
         chooseEquation(QStringLiteral("lewis"));
@@ -307,34 +281,6 @@ private slots:
         QCOMPARE(m_->statusText(), workflow::EnteringData);
         type({"txtec=85"});
         QVERIFY(m_->cmdread->isEnabled());
-    }
-
-    void langelierOkDisablesTheAccuracyTestButNotCalculate() {
-        chooseEquation(QStringLiteral("lewis"));
-        type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80"});
-        test::click(m_->cmdread);
-        test::click(m_->cmdaccuracy);
-        chooseEquation(QStringLiteral("lang"));
-        QVERIFY(!m_->cmdaccuracy->isEnabled() && !enabledFlag(m_->fraaccuracy));
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
-        QVERIFY(m_->cmdcalc->isEnabled());
-    }
-
-    void langelierOkAfterALewisCalculationRunsTheEmptiedBoxesHandlers() {
-        chooseEquation(QStringLiteral("lewis"));
-        type({"txtt=25", "txtph=7.5", "txtalk=200", "txtca=80", "txtmg=24", "txtna=14", "txtk=3.9",
-              "txtcl=50", "txtso4=60", "txthco3=244", "txtco3=0"});
-        test::click(m_->cmdread);
-        test::click(m_->cmdcalc);
-        QCOMPARE(m_->statusText(), workflow::AnalysisDone);
-        m_->mnusettingis->setEnabled(false);
-        // the first emptied ion box finds "End of analysis ": Calculate goes,
-        // the Setting items come; the dialog's own later steps decide the rest
-        chooseEquation(QStringLiteral("lang"));
-        QVERIFY(!m_->cmdcalc->isEnabled() && !m_->cmdclear->isEnabled());
-        QVERIFY(m_->mnusettingis->isEnabled() && !m_->cmdread->isEnabled());
-        QCOMPARE(m_->statusText(), workflow::EnteringData);
-        QVERIFY(rec_->messages.isEmpty());
     }
 
     // ================================================================ Cancel

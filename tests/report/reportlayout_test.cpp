@@ -91,31 +91,6 @@ TEST(ReportLayout, EveryRowExplained) {
     }
 }
 
-TEST(ReportLayout, NoIndexChosen) {
-    const ReportInputs in = langelierSample();
-    const struct {
-        const char* name;
-        ReportStyle style;
-        std::string lines;
-    } cases[] = {
-        {"menu save", savedStyle(),
-         "\n" + blanks(14) + " No indices has been selected,please select \r\n" + blanks(15) +
-             "indices those you want, from options menu.\r\n"},
-        {"toolbar save", savedToolbarStyle(),
-         "\n" + blanks(14) + " NO indices has been selected,please select \r\n" + blanks(15) +
-             "indices those you want,from options menu.\r\n"},
-        {"menu print", printedStyle(),
-         "\n" + blanks(14) + " No indices has been selected,please select \r\n" + blanks(1) +
-             "indices those you want, from options menu.\r\n"},
-    };
-    for (const auto& c : cases) {
-        const std::string text = compose(in, c.style);
-        EXPECT_TRUE(contains(text, c.lines)) << c.name;
-        // no section follows the interpretation heading
-        EXPECT_TRUE(endsWith(text, " Corrosion indices interpertation:\r\n")) << c.name;
-    }
-}
-
 TEST(ReportLayout, EquationRowsAndEmptyProperties) {
     ReportInputs in = langelierSample();
     in.bllang = false;

@@ -182,19 +182,6 @@ private slots:
                 QVERIFY2(fits(b), qPrintable(b->objectName() + ": " + b->text()));
     }
 
-    void showResultsColoursTheButtons() {
-        for (double li : {0.0, 4.0}) {
-            theEngine().sw.li(0) = li;
-            publish();
-            show();
-            QVERIFY(frmresult::instance()->isVisible());
-            QCOMPARE(frmresult::instance()->buttonColour(Index::Langelier),
-                     li == 0 ? QColor(0, 255, 0) : QColor(255, 0, 0));
-        }
-        // More results keeps the standard button look
-        QVERIFY(!moreButton()->property("backColour").isValid());
-    }
-
     // Not chosen, Larson-Skold is taken off by Show results (its button
     // keeps the colour it had) until More results or the next publication.
     void larsonSkoldNotChosen() {

@@ -67,25 +67,6 @@ private slots:
         QVERIFY(moreText("txtlanmd").isEmpty());
     }
 
-    // Without the Larson-Skold index Calculate publishes it all the same and
-    // Show results takes it off; the next calculation brings it back.
-    void larsonSkoldNotChosen() {
-        frmOptions* o = openOptions();
-        applyOptions({o->chkli, o->chkri});
-        test::typeWorkedSample(m_);
-        test::click(m_->cmdread);
-        test::click(m_->cmdcalc);
-        QCOMPARE(resultText("txtlr"), "0.000E0");
-        test::click(m_->cmdshow);
-        QVERIFY(resultText("txtlr").isEmpty());
-        QVERIFY(!test::interpretationButton(Index::LarsonSkold)->isEnabled());
-        test::retype(m_->txtph, QStringLiteral("7.5"));
-        test::click(m_->cmdread);
-        test::click(m_->cmdcalc);
-        QCOMPARE(resultText("txtlr"), "0.000E0");
-        QVERIFY(test::interpretationButton(Index::LarsonSkold)->isEnabled());
-    }
-
     // Under a locale with a decimal comma the user types and reads commas.
     void decimalCommaLocale() {
         setDecimalSeparator(QLatin1Char(','));
