@@ -239,18 +239,6 @@ private slots:
         QCOMPARE(frmgraphresult::instance()->Cmbx->currentIndex(), -1);
     }
 
-    void toolbarPlacesTheWindowOnlyOnASmallScreen() {
-        for (bool small : {false, true}) {
-            if (small) rec_->useSmallScreen();
-            const QPoint designed = frmgraphresult::instance()->pos();
-            frmgraphresult::instance()->close();
-            test::flushDeletions();
-            m_->tbToolBar_ButtonClick(m_->toolbarButton(9));
-            QVERIFY(frmgraphresult::instance()->isVisible());
-            QCOMPARE(frmgraphresult::instance()->pos() == designed, !small);
-        }
-    }
-
     void designStateAndRemove() {
         fakeSweep(5);
         frmgraphresult* g = open();

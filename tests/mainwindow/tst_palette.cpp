@@ -89,20 +89,6 @@ private slots:
         }
     }
 
-    // A box or button given back its system colour has the desktop's text
-    // colour again.
-    void systemColourBringsBackSystemText() {
-        QPushButton* b = m_->cmdaccuracy;
-        setBackColor(b, vb::Red);
-        setBackColor(b, vb::ButtonFace);
-        const QPalette dark = test::darkPalette();
-        for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-            QCOMPARE(b->palette().color(g, QPalette::Button), dark.color(g, QPalette::Button));
-            QCOMPARE(b->palette().color(g, QPalette::ButtonText),
-                     dark.color(g, QPalette::ButtonText));
-        }
-    }
-
     // The interpretation's blue text keeps a light back colour when the
     // desktop's tooltips are dark.
     void interpretationTextReads() {

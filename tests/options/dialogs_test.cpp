@@ -63,20 +63,6 @@ private slots:
         QCOMPARE(o->tbsOptions->currentIndex(), 1);
     }
 
-    void sweepCheckBoxEnablesItsControls() {
-        frmOptions* o = openOptions();
-        QVERIFY(!enabledFlag(o->frasweep) && !enabledFlag(o->txtstep));
-        fillSweep(o, "7", "0.5", "4");
-        const QList<QWidget*> controls = {o->frasweep, o->txtinitialph, o->txtincrementph,
-                                          o->txtstep,  o->lblini,       o->lblnum2};
-        for (QWidget* w : controls)
-            QVERIFY(w->isEnabled());
-        test::click(o->chkphsweep);
-        for (QWidget* w : controls)
-            QVERIFY(!enabledFlag(w));
-        QCOMPARE(o->txtstep->text(), QStringLiteral("4"));
-    }
-
     void sweepBoxesCheckEveryKeystroke() {
         const struct {
             int box; // start, increment, steps

@@ -14,7 +14,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QToolTip>
 
 #include <cmath>
 
@@ -500,23 +499,6 @@ private slots:
                 }
             }
         }
-    }
-
-    void colourShowsAroundTheText() {
-        measured(Index::Ryznar) = 6.5;
-        publishResultsWindows(theEngine(), theOptions());
-        interpretationButton(Index::Ryznar)->click();
-        frmenterper* w = frmenterper::instance();
-        QPlainTextEdit* t = w->text1();
-        QVERIFY(w->width() > t->width() + 10 && w->height() > t->height() + 10);
-        const QImage img = w->grab().toImage();
-        for (QPoint p : {QPoint(w->width() - 3, w->height() - 3), QPoint(w->width() - 3, 5),
-                         QPoint(5, w->height() - 3)})
-            QCOMPARE(img.pixelColor(p), kGreen);
-        // blue text on the tooltip colour inside the box
-        QCOMPARE(t->palette().color(QPalette::Text), QColor(0, 0, 255));
-        QCOMPARE(t->palette().color(QPalette::Base),
-                 QToolTip::palette().color(QPalette::ToolTipBase));
     }
 
     void noColourForValuesOutsideEveryRow() {

@@ -136,7 +136,9 @@ private slots:
         QVERIFY(mainText("txtnam").endsWith(":Ada ")); // an empty box keeps the earlier text
         enter({{"txtname", "Ada"}});
         QVERIFY(mainText("txtnam").endsWith(":Ada Lovelace"));
-        // the dialog keeps its entries for the next opening
+        // New empties the main window's boxes; the dialog keeps its entries
+        test::trigger(m_->mnuFileNew);
+        QVERIFY(mainText("txtnam").isEmpty() && !m_->frasample->isEnabled());
         openDialog();
         QCOMPARE(dialogBox("txtorgan")->text(), "Water Board");
     }
@@ -172,29 +174,6 @@ private slots:
                  QStringList({"txtname", "txtfamily", "txtorgan", "txtdate", "txtlocation"}));
         click("cmdCancel");
         QVERIFY(currentSampleProperties().operatorName.empty());
-    }
-
-    void newEmptiesMainBoxesButKeepsDialog() {
-        enter({{"txtname", "Ada"}});
-        test::trigger(m_->mnuFileNew);
-        QVERIFY(mainText("txtnam").isEmpty());
-        QVERIFY(!m_->frasample->isEnabled());
-        openDialog();
-        QCOMPARE(dialogBox("txtname")->text(), "Ada");
-    }
-
-    void placement() {
-        rec_->useSmallScreen();
-        openDialog();
-        const QPoint placed = frmproperties::instance()->pos();
-        QVERIFY(QRect(0, 0, 800, 600).contains(frmproperties::instance()->frameGeometry()));
-        frmproperties::instance()->move(5, 5);
-        openDialog();
-        QCOMPARE(frmproperties::instance()->pos(), placed);
-        rec_->screen = QSize(1024, 768);
-        frmproperties::instance()->move(5, 5);
-        openDialog();
-        QCOMPARE(frmproperties::instance()->pos(), QPoint(5, 5));
     }
 
     // As in any dialog: Enter presses the focused button, else the default
