@@ -9,7 +9,8 @@
 namespace velmora::report {
 namespace {
 
-std::string blanks(int n) {
+// const: "text" + blanks(n) then copies instead of inserting into the temporary
+const std::string blanks(int n) {
     return std::string(static_cast<std::size_t>(n), ' ');
 }
 
@@ -67,7 +68,8 @@ TEST(ReportLayout, ValueRowsAndTheirExplanation) {
                  {RI, 7.12345678, " 7.123457 ", true}};
     for (const auto& c : cases) {
         const std::string text = compose(withOnly(c.index, c.value), savedStyle());
-        EXPECT_TRUE(contains(text, "-" + blanks(11) + c.written + "\r\n")) << c.written;
+        const std::string written = "-" + blanks(11) + c.written + "\r\n";
+        EXPECT_TRUE(contains(text, written)) << c.written;
         EXPECT_EQ(count(text, "Description :"), c.block ? 1u : 0u) << c.written;
     }
 }
@@ -84,7 +86,7 @@ TEST(ReportLayout, EveryRowExplained) {
             const std::string text = compose(withOnly(index, v), savedStyle());
             std::string block;
             for (const std::string& line : row.reportText())
-                block += "\n" + blanks(9) + line + "\r";
+                block.append("\n").append(blanks(9)).append(line).append("\r");
             EXPECT_TRUE(contains(text, block)) << r.text() << "\n" << text;
             EXPECT_TRUE(endsWith(text, row.reportText().back() + "\r\n"));
         }
