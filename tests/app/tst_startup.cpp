@@ -14,7 +14,6 @@
 #include <QDir>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QTimer>
 
 using namespace velmora;
 using velmora::test::RecordingPlatform;
@@ -43,7 +42,6 @@ class StartupTest : public QObject {
     Q_OBJECT
 
     RecordingPlatform* rec_ = nullptr;
-    QRect designed_; // where a start without saved placement puts the window
 
     void saved(const QList<int>& twips) {
         const char* keys[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
