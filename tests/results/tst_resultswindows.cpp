@@ -363,13 +363,7 @@ private slots:
 
     // At each boundary: the colours just below, at and just above it, and
     // whether the boundary belongs to the row below it.
-    void boundaries_data() {
-        QTest::addColumn<Index>("index");
-        QTest::addColumn<double>("bound");
-        QTest::addColumn<QColor>("below");
-        QTest::addColumn<QColor>("at");
-        QTest::addColumn<QColor>("above");
-        QTest::addColumn<bool>("closedBelow");
+    void boundaries() {
         const struct {
             Index index;
             double bound;
@@ -406,23 +400,17 @@ private slots:
             // 1.2 lies between "0.8 <= LR < 1.2" and "LR > 1.2": the upper band
             {Index::LarsonSkold, 1.2, kSalmon, kRed, kRed, false},
         };
-        for (const auto& r : rows)
-            QTest::addRow("%s %g", interp::buttonName(r.index), r.bound)
-                << r.index << r.bound << r.below << r.at << r.above << r.closedBelow;
-    }
-    void boundaries() {
-        QFETCH(Index, index);
-        QFETCH(double, bound);
-        QFETCH(QColor, below);
-        QFETCH(QColor, at);
-        QFETCH(QColor, above);
-        QFETCH(bool, closedBelow);
-        const interp::Row* row = interp::rowFor(index, bound);
-        QCOMPARE(colourOf(interp::rowFor(index, ::below(bound))), below);
-        QCOMPARE(colourOf(row), at);
-        QCOMPARE(colourOf(interp::rowFor(index, ::above(bound))), above);
-        QCOMPARE(row == interp::rowFor(index, ::below(bound)), closedBelow);
-        QCOMPARE(row == interp::rowFor(index, ::above(bound)), !closedBelow);
+        for (const auto& r : rows) {
+            const interp::Row* row = interp::rowFor(r.index, r.bound);
+            const interp::Row* under = interp::rowFor(r.index, below(r.bound));
+            const interp::Row* over = interp::rowFor(r.index, above(r.bound));
+            const QByteArray where =
+                QByteArray(interp::buttonName(r.index)) + ' ' + QByteArray::number(r.bound);
+            QVERIFY2(colourOf(under) == r.below && colourOf(row) == r.at &&
+                         colourOf(over) == r.above,
+                     where);
+            QVERIFY2((row == under) == r.closedBelow && (row == over) == !r.closedBelow, where);
+        }
     }
 
     void rangesOfEveryTableLeaveNoOtherGap() {
