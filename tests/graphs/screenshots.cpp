@@ -1,13 +1,7 @@
-// Pictures of the graph window for the documentation: the program started as
-// the user starts it, the worked sample calculated with a pH sweep from 6.5 in
-// steps of 0.5 (five points), the toolbar's Graph pressed, then
-//   graph-index.png    the Langelier index, lines with markers, data labels shown
-//   graph-species.png  the three carbonate species
-//   example-chart.gif  the index chart exported as the Save as GIF button writes it
-//
-//   graphs_screenshots OUTPUT_FOLDER
-//
-// Run it under a real display (xvfb-run) or offscreen.
+// Pictures of the graph window for the documentation, after the worked sample
+// with its pH sweep: graph-index.png (the Langelier index, lines with markers),
+// graph-species.png (the carbonate species) and example-chart.gif (the index
+// chart as Save as GIF writes it).   graphs_screenshots OUTPUT_FOLDER
 #include "graphs/frmgraphresult.h"
 #include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
@@ -23,14 +17,10 @@
 
 using namespace velmora;
 
-namespace {
-
-void choose(QComboBox* list, int position) {
+static void choose(QComboBox* list, int position) {
     list->setCurrentIndex(position);
     emit list->activated(position);
 }
-
-} // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);

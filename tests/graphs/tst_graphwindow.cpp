@@ -1,7 +1,9 @@
-// The graph window driven through its controls, offscreen, handler by
-// handler: what each list choice and button draws from the sweep arrays.
+// The graph window driven through its controls, offscreen: what each list
+// choice and button draws from the sweep arrays, and the GIF picture and the
+// printout written from it, read back from the files.
 #include "engine/engine.h"
 #include "graphs/frmgraphresult.h"
+#include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
 #include "numtext/numtext.h"
 #include "options/frmoptions.h"
@@ -18,14 +20,24 @@
 #include <QChart>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFile>
 #include <QGroupBox>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLineSeries>
+#include <QLocale>
+#include <QProcess>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QValueAxis>
 
 #include <cmath>
+#include <memory>
 
 using namespace velmora;
 
@@ -33,21 +45,23 @@ namespace {
 
 constexpr double kMeasured = 99.0; // element 0 holds this: it must never be drawn
 
-// A sweep of `steps` points with distinct values in every array the window
-// reads (element i of each array differs from every other).
-void fakeSweep(double steps, int filled = 140) {
+// A sweep of `steps` points with distinct values in every array the window reads.
+void fakeSweep(double steps) {
     SweepArrays& sw = theEngine().sw;
     sw.phsteps = steps;
     PointArray* arrays[] = {&sw.li, &sw.ri, &sw.por,   &sw.dfi,  &sw.me, &sw.ai,
                             &sw.lr, &sw.sl, &sw.h2co3, &sw.hco3, &sw.co3};
-    for (int i = 0; i <= filled; ++i) {
+    for (int i = 0; i <= 140; ++i) {
         sw.ph(i) = i == 0 ? kMeasured : 5.0 + 0.25 * i;
-        int k = 0;
-        for (PointArray* a : arrays) {
-            ++k;
-            (*a)(i) = i == 0 ? kMeasured : std::sin(i * 0.7 + k) * std::pow(10.0, -k % 4);
-        }
+        for (int k = 0; k < 11; ++k)
+            (*arrays[k])(i) =
+                i == 0 ? kMeasured : std::sin(i * 0.7 + k + 1) * std::pow(10.0, -k % 4);
     }
+}
+PointArray& indexArray(int position) {
+    SweepArrays& sw = theEngine().sw;
+    PointArray* data[] = {&sw.li, &sw.ri, &sw.por, &sw.dfi, &sw.me, &sw.ai, &sw.lr, &sw.sl};
+    return *data[position];
 }
 
 void choose(QComboBox* list, int position) {
@@ -55,13 +69,12 @@ void choose(QComboBox* list, int position) {
     emit list->activated(position);
 }
 
-// The drawn series as (name, values) whatever their kind.
+// The drawn series: name, values and kind ("column", "line" or "markers").
 struct Drawn {
     QString name;
     QList<double> values;
-    QString kind; // "column", "line" or "markers"
+    QString kind;
 };
-
 QList<Drawn> drawnSeries(frmgraphresult* g) {
     QList<Drawn> out;
     for (QAbstractSeries* s : g->ChartSpace1->chart()->series()) {
@@ -81,13 +94,10 @@ QList<Drawn> drawnSeries(frmgraphresult* g) {
     }
     return out;
 }
-
-QStringList categoryLabels(frmgraphresult* g) {
+QCategoryAxis* categoryAxis(frmgraphresult* g) {
     const auto axes = g->ChartSpace1->chart()->axes(Qt::Horizontal);
-    auto* x = axes.isEmpty() ? nullptr : qobject_cast<QCategoryAxis*>(axes.first());
-    return x ? x->categoriesLabels() : QStringList();
+    return axes.isEmpty() ? nullptr : qobject_cast<QCategoryAxis*>(axes.first());
 }
-
 QList<double> engineValues(const PointArray& a, int n) {
     QList<double> v;
     for (int i = 1; i <= n; ++i)
@@ -95,17 +105,13 @@ QList<double> engineValues(const PointArray& a, int n) {
     return v;
 }
 
-// What the user sees of the controls: caption, list text, enabled flag,
-// hidden flag and check state of each, by name (no caption of a hidden one).
+// What the user sees of the controls: caption, list text, enabled, hidden and
+// check state of each, by name.
 QStringList controlState(frmgraphresult* g) {
     QStringList out;
     for (QWidget* w : g->findChildren<QWidget*>()) {
         if (w->objectName().isEmpty() || w->objectName().startsWith("qt_")) continue;
         QString text;
-        if (w->isHidden()) {
-            out.append(w->objectName() + " hidden " + (enabledFlag(w) ? "on" : "off"));
-            continue;
-        }
         if (auto* b = qobject_cast<QAbstractButton*>(w))
             text = b->text() + (b->isChecked() ? "[x]" : "[ ]");
         else if (auto* c = qobject_cast<QComboBox*>(w))
@@ -113,16 +119,74 @@ QStringList controlState(frmgraphresult* g) {
         else if (auto* l = qobject_cast<QLabel*>(w))
             text = l->text();
         out.append(QStringLiteral("%1 %2 %3 %4")
-                       .arg(w->objectName(), text, enabledFlag(w) ? "on" : "off",
-                            w->isHidden() ? "hidden" : "shown"));
+                       .arg(w->objectName(), w->isHidden() ? QString() : text,
+                            enabledFlag(w) ? "on" : "off", w->isHidden() ? "hidden" : "shown"));
     }
     return out;
+}
+
+const QRgb kWhite = qRgb(255, 255, 255);
+const QRgb kPlotArea = qRgb(255, 255, 192);
+
+// The window with a chart of `steps` sweep points of the Langelier index.
+frmgraphresult* chartOfSweep(int steps) {
+    SweepArrays& sw = theEngine().sw;
+    sw.phsteps = steps;
+    for (int i = 0; i <= steps; ++i) {
+        sw.ph(i) = 6.0 + 0.05 * i;
+        sw.li(i) = std::sin(i * 0.3);
+    }
+    frmgraphresult* g = frmgraphresult::instance();
+    g->show();
+    choose(g->Cmbx, 0);
+    test::click(g->cmdaddin);
+    choose(g->Cmbin, 0);
+    choose(g->Cmochart, 2);
+    return g;
+}
+
+int countColour(const QImage& image, QRgb colour) {
+    int n = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            n += image.pixel(x, y) == colour;
+    return n;
+}
+
+QByteArray readAll(const QString& file) {
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The output of a poppler tool, or nothing when it is not installed.
+std::optional<QByteArray> poppler(const QString& tool, const QStringList& args) {
+    const QString exe = QStandardPaths::findExecutable(tool);
+    if (exe.isEmpty()) return std::nullopt;
+    QProcess p;
+    p.start(exe, args);
+    if (!p.waitForFinished(30000) || p.exitCode() != 0) return QByteArray();
+    return p.readAllStandardOutput();
 }
 
 } // namespace
 
 class TestGraphWindow : public test::ProgramTest {
     Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> dir_;
+
+    // Every test writes into a folder of its own.
+    void newFolder() { dir_ = std::make_unique<QTemporaryDir>(); }
+    QString path(const QString& name) const { return dir_->filePath(name); }
+    // Prints the chart to a PDF file through the recorder's print dialog.
+    QString print(frmgraphresult* g, int copies, bool fit) {
+        const QString pdf = path(QStringLiteral("print-%1-%2.pdf").arg(copies).arg(fit));
+        rec_->printCopies = copies;
+        rec_->printToPdf = pdf;
+        test::click(fit ? g->optFitToPrinter : g->optNormal);
+        test::click(g->cmdprint);
+        return pdf;
+    }
 
     frmgraphresult* open() {
         frmgraphresult* g = frmgraphresult::instance();
@@ -137,377 +201,349 @@ class TestGraphWindow : public test::ProgramTest {
         choose(g->Cmbin, position);
         return g;
     }
+    frmgraphresult* speciesChart() {
+        frmgraphresult* g = open();
+        choose(g->Cmbx, 0);
+        test::click(g->cmdaddsp);
+        choose(g->cmbspecies, 0);
+        return g;
+    }
 
 private slots:
-    void toolbarOpensTheWindowFromACalculatedSweep();
-    void toolbarPlacement_data();
-    void toolbarPlacement();
-    void designStateAndRemove();
-    void onlySweepPointsOneToN_data();
-    void onlySweepPointsOneToN();
-    void indexSeriesFollowsTheList();
-    void indexThenSpeciesLeavesOnlyTheSpecies();
-    void addIndicesGuard();
-    void noCategoryChosen();
-    void equalPhValuesKeepTheirCategories();
-    void larsonSkoldMessage_data();
-    void larsonSkoldMessage();
-    void chartTypes_data();
-    void chartTypes();
-    void dataLabelTexts_data();
-    void dataLabelTexts();
-    void removeDataLabels();
+    void toolbarOpensTheWindowFromACalculatedSweep() {
+        frmOptions* o = openOptions();
+        applyOptions({o->chkli, o->chklr}, "6.5", "0.5", "5");
+        test::typeWorkedSample(m_);
+        test::click(m_->cmdread);
+        test::click(m_->cmdcalc);
+        QAction* graph = m_->toolbarButton(9);
+        test::trigger(graph);
+        QVERIFY(frmgraphresult::isLoaded());
+        frmgraphresult* g = frmgraphresult::instance();
+        QVERIFY(g->isVisible());
+        choose(g->Cmbx, 0);
+        test::click(g->cmdaddin);
+        choose(g->Cmbin, 0);
+        QCOMPARE(drawnSeries(g).size(), 1);
+        QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, 5));
+        QCOMPARE(categoryAxis(g)->categoriesLabels(), (QStringList{"6.5", "7", "7.5", "8", "8.5"}));
+        // the same window on the next click; a closed one comes back fresh
+        test::trigger(graph);
+        QCOMPARE(frmgraphresult::instance(), g);
+        g->close();
+        test::flushDeletions();
+        test::trigger(graph);
+        QVERIFY(drawnSeries(frmgraphresult::instance()).isEmpty());
+        QCOMPARE(frmgraphresult::instance()->Cmbx->currentIndex(), -1);
+    }
+
+    void designStateAndRemove() {
+        fakeSweep(5);
+        frmgraphresult* g = open();
+        QCOMPARE(g->indexguard, 1);
+        QVERIFY(drawnSeries(g).isEmpty());
+        QVERIFY(g->cmdremove->isHidden() && g->chkdatalabel->isHidden() && g->lblnote->isHidden());
+        QVERIFY(!enabledFlag(g->fraseri) && !enabledFlag(g->Cmbin) && !enabledFlag(g->cmbspecies));
+        choose(g->Cmbx, 0);
+        const QStringList design = controlState(g);
+        for (QPushButton* add : {g->cmdaddin, g->cmdaddsp}) {
+            test::click(add);
+            QVERIFY(!g->cmdremove->isHidden());
+            if (add == g->cmdaddin) {
+                QVERIFY(!g->cmdaddsp->isEnabled());
+                choose(g->Cmbin, 2);
+                QVERIFY(!g->chkdatalabel->isHidden() && !g->lblnote->isHidden());
+                test::click(g->chkdatalabel);
+            } else {
+                QVERIFY(!g->cmdaddin->isEnabled() && !enabledFlag(g->Cmbin));
+                choose(g->cmbspecies, 0);
+            }
+            QVERIFY(!drawnSeries(g).isEmpty());
+            test::click(g->cmdremove);
+            QCOMPARE(controlState(g), design);
+            QVERIFY(drawnSeries(g).isEmpty());
+            QCOMPARE(g->indexguard, 1);
+            QVERIFY(g->ChartSpace1->chart()->title().isEmpty());
+        }
+    }
+
+    // Only points 1 to the rounded number of steps are drawn, each index
+    // from its own array with a title of its own.
+    void indexSeries() {
+        const std::pair<double, int> steps[] = {{1, 1}, {2.5, 2}, {3.5, 4}, {140, 140}};
+        for (const auto& [s, n] : steps) {
+            fakeSweep(s);
+            frmgraphresult* g = indexChart(0);
+            QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, n));
+            QCOMPARE(categoryAxis(g)->categoriesLabels().first(),
+                     QString::fromStdString(fmt::numberText(theEngine().sw.ph(1))));
+            QCOMPARE(categoryAxis(g)->max(), n - 0.5);
+            g->close();
+            test::flushDeletions();
+        }
+        fakeSweep(6);
+        frmgraphresult* g = indexChart(0);
+        QStringList titles;
+        for (int position = 0; position < 8; ++position) {
+            choose(g->Cmbin, position);
+            QCOMPARE(drawnSeries(g).size(), 1);
+            QCOMPARE(drawnSeries(g)[0].values, engineValues(indexArray(position), 6));
+            titles.append(g->ChartSpace1->chart()->title());
+        }
+        titles.removeDuplicates();
+        QCOMPARE(titles.size(), 8);
+    }
+
+    void addIndicesGuard() {
+        fakeSweep(3);
+        frmgraphresult* g = indexChart(1);
+        QCOMPARE(g->indexguard, 2);
+        test::click(g->cmdaddin); // no second series, the chosen one stays
+        QCOMPARE(drawnSeries(g).size(), 1);
+        QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.ri, 3));
+        test::click(g->cmdremove);
+        QCOMPARE(g->indexguard, 1);
+        test::click(g->cmdaddin);
+        QCOMPARE(g->indexguard, 2);
+        QCOMPARE(drawnSeries(g).size(), 1);
+        choose(g->Cmbin, 5);
+        QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.ai, 3));
+    }
+
+    void categories() {
+        fakeSweep(3);
+        frmgraphresult* g = open(); // no category chosen: numbered
+        test::click(g->cmdaddin);
+        choose(g->Cmbin, 0);
+        QCOMPARE(categoryAxis(g)->categoriesLabels(), (QStringList{"1", "2", "3"}));
+        g->close();
+        test::flushDeletions();
+        for (int i = 1; i <= 3; ++i) // equal pH values keep their categories
+            theEngine().sw.ph(i) = 7.0;
+        QCOMPARE(categoryAxis(indexChart(0))->categoriesLabels().size(), 3);
+    }
+
+    void larsonSkoldMessage() {
+        const struct {
+            bool bllr;
+            const char *cl, *so4;
+            bool message;
+        } cases[] = {{false, "", "60", true}, {true, "50", "", true}, {true, "50", "60", false}};
+        QStringList texts;
+        for (const auto& c : cases) {
+            fakeSweep(3);
+            theOptions().index.bllr = c.bllr;
+            m_->txtcl->setText(c.cl);
+            m_->txtso4->setText(c.so4);
+            rec_->clear();
+            frmgraphresult* g = indexChart(6);
+            QCOMPARE(rec_->messages.size(), int(c.message));
+            texts += rec_->texts();
+            QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.lr, 3));
+            g->close();
+            test::flushDeletions();
+        }
+        QVERIFY(texts[0] != texts[1]); // the option named only when it is off
+    }
+
+    void chartTypes() {
+        fakeSweep(5);
+        for (bool species : {false, true}) {
+            frmgraphresult* g = species ? speciesChart() : indexChart(3);
+            for (const Drawn& d : drawnSeries(g))
+                QCOMPARE(d.kind, QStringLiteral("line")); // until a type is chosen
+            const char* kinds[] = {"column", "line", "markers"};
+            for (int position = 0; position < 3; ++position) {
+                choose(g->Cmochart, position);
+                QCOMPARE(drawnSeries(g).size(), species ? 3 : 1);
+                for (const Drawn& d : drawnSeries(g)) {
+                    QCOMPARE(d.kind, QString(kinds[position]));
+                    QCOMPARE(d.values.size(), 5);
+                }
+            }
+            if (species) {
+                const SweepArrays& sw = theEngine().sw;
+                QCOMPARE(drawnSeries(g)[0].values, engineValues(sw.h2co3, 5));
+                QCOMPARE(drawnSeries(g)[2].values, engineValues(sw.co3, 5));
+            }
+            g->close();
+            test::flushDeletions();
+        }
+    }
+
+    void dataLabelTexts() {
+        const struct {
+            int position; // 0..7 an index, -1 the species
+            double value;
+            const char* label;
+        } cases[] = {{0, -0.12345, "-0.123"},     {1, 7.0005, "7.001"},    {3, 12345.0, "1.23E04"},
+                     {4, -0.000015, "-1.50E-05"}, {5, 11.98765, "11.988"}, {7, 3.456, "3.46E+00"},
+                     {-1, 0.001234567, "0.00123"}};
+        m_->txtcl->setText("50");
+        m_->txtso4->setText("60");
+        for (const auto& c : cases) {
+            fakeSweep(2);
+            (c.position < 0 ? theEngine().sw.hco3 : indexArray(c.position))(2) = c.value;
+            frmgraphresult* g = c.position < 0 ? speciesChart() : indexChart(c.position);
+            const auto texts = velmora::dataLabelTexts(g->ChartSpace1->chart());
+            QCOMPARE(texts[c.position < 0 ? 2 : 0].value(1), QString(c.label));
+            g->close();
+            test::flushDeletions();
+        }
+        // hidden labels stay hidden with another index
+        fakeSweep(4);
+        frmgraphresult* g = indexChart(0);
+        const auto labelCount = [g] {
+            int n = 0;
+            for (const QStringList& l : velmora::dataLabelTexts(g->ChartSpace1->chart()))
+                n += int(l.size());
+            return n;
+        };
+        QCOMPARE(labelCount(), 4);
+        test::click(g->chkdatalabel);
+        choose(g->Cmbin, 1);
+        QCOMPARE(labelCount(), 0);
+        test::click(g->chkdatalabel);
+        QCOMPARE(labelCount(), 4);
+    }
+
+    // keeping the chart: the GIF picture and the printout, read back
+    void gifIsTheChartAt800x400WithExactColours();
+    void gifNameGetsGifAppendedAndCancelWritesNothing();
+    void gifFailureLeavesTheOldFile();
+    void printTwoCopiesLandscapeWithStamp();
+    void printRect_data();
+    void printRect();
 };
 
-void TestGraphWindow::toolbarOpensTheWindowFromACalculatedSweep() {
-    frmOptions* o = openOptions();
-    applyOptions({o->chkli, o->chklr}, "6.5", "0.5", "5");
-    test::typeWorkedSample(m_);
-    test::click(m_->cmdread);
-    test::click(m_->cmdcalc);
-    QAction* graph = m_->toolbarButton(9);
-    QVERIFY(graph->isEnabled());
-    test::trigger(graph);
-    QVERIFY(frmgraphresult::isLoaded());
-    frmgraphresult* g = frmgraphresult::instance();
-    QVERIFY(g->isVisible());
-    QCOMPARE(g->windowTitle(), QStringLiteral("Graphic results"));
+void TestGraphWindow::gifIsTheChartAt800x400WithExactColours() {
+    newFolder();
+    frmgraphresult* g = chartOfSweep(140);
+    rec_->saveName = path("sweep");
+    test::click(g->cmdsave);
+    QCOMPARE(rec_->saveFilters, QStringList{"GIF(*.GIF)"});
+    QCOMPARE(g->gifname, path("sweep.GIF"));
+    QVERIFY(readAll(g->gifname).startsWith("GIF8"));
 
-    choose(g->Cmbx, 0);
-    test::click(g->cmdaddin);
-    choose(g->Cmbin, 0);
-    const SweepArrays& sw = theEngine().sw;
-    const QList<Drawn> drawn = drawnSeries(g);
-    QCOMPARE(drawn.size(), 1);
-    QCOMPARE(drawn[0].values, engineValues(sw.li, 5));
-    QCOMPARE(categoryLabels(g), (QStringList{"6.5", "7", "7.5", "8", "8.5"}));
+    QImage gif(g->gifname);
+    QCOMPARE(gif.size(), QSize(800, 400));
+    gif = gif.convertToFormat(QImage::Format_RGB32);
+    QCOMPARE(gif.pixel(0, 0), kWhite);
+    QCOMPARE(gif.pixel(799, 399), kWhite);
 
-    // The same window on the next click; a closed one comes back fresh.
-    test::trigger(graph);
-    QCOMPARE(frmgraphresult::instance(), g);
-    g->close();
-    test::flushDeletions();
-    test::trigger(graph);
-    QVERIFY(drawnSeries(frmgraphresult::instance()).isEmpty());
-    QCOMPARE(frmgraphresult::instance()->Cmbx->currentIndex(), -1);
-}
-
-void TestGraphWindow::toolbarPlacement_data() {
-    QTest::addColumn<bool>("small");
-    QTest::newRow("800 x 600: placed") << true;
-    QTest::newRow("1024 x 768: as designed") << false;
-}
-
-void TestGraphWindow::toolbarPlacement() {
-    QFETCH(bool, small);
-    if (small) rec_->useSmallScreen();
-    const QPoint designed = frmgraphresult::instance()->pos();
-    frmgraphresult::instance()->close();
-    test::flushDeletions();
-    m_->tbToolBar_ButtonClick(m_->toolbarButton(9));
-    frmgraphresult* g = frmgraphresult::instance();
-    QVERIFY(g->isVisible());
-    if (small) {
-        QCOMPARE(twipsGeometry(g).topLeft(), QPoint(750, 1005));
-    } else {
-        QCOMPARE(g->pos(), designed);
-    }
-}
-
-void TestGraphWindow::designStateAndRemove() {
-    fakeSweep(5);
-    frmgraphresult* g = open();
-    QCOMPARE(g->indexguard, 1);
-    QVERIFY(drawnSeries(g).isEmpty());
-    QCOMPARE(g->ChartSpace1->state().plotFill, std::optional<QColor>(QColor(255, 255, 192)));
-    QVERIFY(g->cmdremove->isHidden());
-    QVERIFY(g->chkdatalabel->isHidden());
-    QVERIFY(g->lblnote->isHidden() && g->lblno->isHidden());
-    QVERIFY(!enabledFlag(g->fraseri) && !enabledFlag(g->Cmbin) && !enabledFlag(g->cmbspecies));
-    choose(g->Cmbx, 0);
-    const QStringList design = controlState(g);
-
-    for (QPushButton* add : {g->cmdaddin, g->cmdaddsp}) {
-        test::click(add);
-        QVERIFY(!g->cmdremove->isHidden());
-        if (add == g->cmdaddin) {
-            QCOMPARE(g->cmdremove->text(), QStringLiteral("Remove index "));
-            QVERIFY(!g->cmdaddsp->isEnabled());
-            choose(g->Cmbin, 2);
-            QVERIFY(!g->chkdatalabel->isHidden() && !g->lblnote->isHidden());
-            test::click(g->chkdatalabel);
-        } else {
-            QCOMPARE(g->cmdremove->text(), QStringLiteral("Remove Specie "));
-            QVERIFY(!g->cmdaddin->isEnabled() && !enabledFlag(g->Cmbin));
-            choose(g->cmbspecies, 0);
+    // The picture drawn directly: the background and the plot area keep
+    // their colours to the last pixel; only rare edge shades may move.
+    const QImage drawn = renderChart(g->ChartSpace1->state(), QSize(800, 400));
+    QVERIFY(countColour(drawn, kPlotArea) > 800 * 400 / 4);
+    int differing = 0, changedGround = 0;
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 800; ++x) {
+            const QRgb d = drawn.pixel(x, y);
+            differing += gif.pixel(x, y) != d;
+            changedGround += (d == kPlotArea || d == kWhite) && gif.pixel(x, y) != d;
         }
-        QVERIFY(!drawnSeries(g).isEmpty());
-        test::click(g->cmdremove);
-        QCOMPARE(controlState(g), design);
-        QVERIFY(drawnSeries(g).isEmpty());
-        QCOMPARE(g->indexguard, 1);
-        QVERIFY(g->ChartSpace1->chart()->title().isEmpty());
-    }
+    QCOMPARE(changedGround, 0);
+    QVERIFY2(differing < 800 * 400 / 20, qPrintable(QString::number(differing)));
 }
 
-void TestGraphWindow::onlySweepPointsOneToN_data() {
-    QTest::addColumn<double>("steps");
-    QTest::addColumn<int>("n");
-    QTest::newRow("one step") << 1.0 << 1;
-    QTest::newRow("2.5 rounds to even 2") << 2.5 << 2;
-    QTest::newRow("3.5 rounds to even 4") << 3.5 << 4;
-    QTest::newRow("140 steps") << 140.0 << 140;
-}
-
-void TestGraphWindow::onlySweepPointsOneToN() {
-    QFETCH(double, steps);
-    QFETCH(int, n);
-    fakeSweep(steps);
-    frmgraphresult* g = indexChart(0);
-    const QList<Drawn> drawn = drawnSeries(g);
-    QCOMPARE(drawn.size(), 1);
-    QCOMPARE(drawn[0].values, engineValues(theEngine().sw.li, n));
-    QVERIFY(!drawn[0].values.contains(kMeasured));
-    // the first category is the first sweep pH, never the measured one
-    const auto axes = g->ChartSpace1->chart()->axes(Qt::Horizontal);
-    auto* x = qobject_cast<QCategoryAxis*>(axes.first());
-    QCOMPARE(x->categoriesLabels().first(),
-             QString::fromStdString(fmt::numberText(theEngine().sw.ph(1))));
-    QCOMPARE(x->min(), -0.5);
-    QCOMPARE(x->max(), n - 0.5);
-}
-
-void TestGraphWindow::indexSeriesFollowsTheList() {
-    fakeSweep(6);
-    const SweepArrays& sw = theEngine().sw;
-    const PointArray* data[] = {&sw.li, &sw.ri, &sw.por, &sw.dfi, &sw.me, &sw.ai, &sw.lr, &sw.sl};
-    frmgraphresult* g = indexChart(0);
-    QStringList titles;
-    for (int position = 0; position < 8; ++position) {
-        choose(g->Cmbin, position);
-        const QList<Drawn> drawn = drawnSeries(g);
-        QCOMPARE(drawn.size(), 1);
-        QCOMPARE(drawn[0].values, engineValues(*data[position], 6));
-        QChart* chart = g->ChartSpace1->chart();
-        QCOMPARE(chart->titleFont().family(), QStringLiteral("Times New Roman"));
-        QCOMPARE(chart->titleFont().pointSizeF(), 10.0);
-        auto* y = qobject_cast<QValueAxis*>(chart->axes(Qt::Vertical).first());
-        QCOMPARE(y->labelsFont().pointSizeF(), 7.0);
-        QVERIFY(!y->titleText().isEmpty());
-        titles.append(chart->title());
-        QCOMPARE(chart->axes(Qt::Horizontal).first()->titleText(), QStringLiteral("pH"));
-    }
-    titles.removeDuplicates();
-    QCOMPARE(titles.size(), 8);
-    // the Ryznar series is not named as the list's "SI index"
-    choose(g->Cmbin, 1);
-    QCOMPARE(drawnSeries(g)[0].name, QStringLiteral("RI index"));
-}
-
-void TestGraphWindow::indexThenSpeciesLeavesOnlyTheSpecies() {
-    fakeSweep(4);
-    frmgraphresult* g = open();
-    choose(g->Cmbx, 0);
-    test::click(g->cmdaddsp);
-    choose(g->Cmbx, 0); // choosing the category again brings "Add indices" back
-    test::click(g->cmdaddin);
-    choose(g->Cmbin, 0);
-    QCOMPARE(drawnSeries(g).size(), 1);
-    choose(g->cmbspecies, 0);
-
-    const SweepArrays& sw = theEngine().sw;
-    const QList<Drawn> drawn = drawnSeries(g);
-    QCOMPARE(drawn.size(), 3);
-    QCOMPARE(drawn[0].name, QStringLiteral("H2co3*"));
-    QCOMPARE(drawn[0].values, engineValues(sw.h2co3, 4));
-    QCOMPARE(drawn[1].values, engineValues(sw.hco3, 4));
-    QCOMPARE(drawn[2].values, engineValues(sw.co3, 4));
-    QChart* chart = g->ChartSpace1->chart();
-    QCOMPARE(chart->title(), QStringLiteral("Carbonate species distribution"));
-    auto* y = qobject_cast<QValueAxis*>(chart->axes(Qt::Vertical).first());
-    QCOMPARE(y->labelFormat(), QStringLiteral("%.4f"));
-    QCOMPARE(y->titleFont().pointSizeF(), 8.0);
-    QVERIFY(chart->legend()->isVisible());
-    // a new chart: the plot area is no longer filled
-    QVERIFY(!chart->isPlotAreaBackgroundVisible());
-}
-
-void TestGraphWindow::addIndicesGuard() {
-    fakeSweep(3);
-    frmgraphresult* g = open();
-    choose(g->Cmbx, 0);
-    test::click(g->cmdaddin);
-    QCOMPARE(g->indexguard, 2);
-    choose(g->Cmbin, 1);
-    test::click(g->cmdaddin); // no second series, the chosen one stays
-    QCOMPARE(g->indexguard, 2);
-    QCOMPARE(drawnSeries(g).size(), 1);
-    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.ri, 3));
-
-    test::click(g->cmdremove);
-    QCOMPARE(g->indexguard, 1);
-    test::click(g->cmdaddin);
-    QCOMPARE(g->indexguard, 2);
-    QCOMPARE(drawnSeries(g).size(), 1);
-    QCOMPARE(drawnSeries(g)[0].name, QStringLiteral("index"));
-    choose(g->Cmbin, 5);
-    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.ai, 3));
-}
-
-void TestGraphWindow::noCategoryChosen() {
-    fakeSweep(3);
-    frmgraphresult* g = open();
-    test::click(g->cmdaddin);
-    choose(g->Cmbin, 0);
-    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, 3));
-    QCOMPARE(categoryLabels(g), (QStringList{"1", "2", "3"}));
-    QVERIFY(g->ChartSpace1->chart()->title().isEmpty());
-}
-
-void TestGraphWindow::equalPhValuesKeepTheirCategories() {
-    fakeSweep(3); // a sweep with an increment of 0
-    for (int i = 1; i <= 3; ++i)
-        theEngine().sw.ph(i) = 7.0;
-    frmgraphresult* g = indexChart(0);
-    QCOMPARE(categoryLabels(g).size(), 3);
-    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.li, 3));
-}
-
-void TestGraphWindow::larsonSkoldMessage_data() {
-    QTest::addColumn<bool>("bllr");
-    QTest::addColumn<QString>("cl");
-    QTest::addColumn<QString>("so4");
-    QTest::addColumn<QString>("message");
-    const QString tail = " specify the amounts of cl and so4 ions.";
-    const QString off = "please select Larson-scold index in options window and" + tail;
-    const QString on = "please " + tail;
-    QTest::newRow("option off, chloride empty") << false << ""
-                                                << "60" << off;
-    QTest::newRow("option on, sulphate empty") << true << "50"
-                                               << "" << on;
-    QTest::newRow("option on, both filled") << true << "50"
-                                            << "60" << QString();
-}
-
-void TestGraphWindow::larsonSkoldMessage() {
-    QFETCH(bool, bllr);
-    QFETCH(QString, cl);
-    QFETCH(QString, so4);
-    QFETCH(QString, message);
-    fakeSweep(3);
-    theOptions().index.bllr = bllr;
-    m_->txtcl->setText(cl);
-    m_->txtso4->setText(so4);
-    rec_->clear();
-    frmgraphresult* g = indexChart(6);
-    if (message.isEmpty()) {
+void TestGraphWindow::gifNameGetsGifAppendedAndCancelWritesNothing() {
+    const std::pair<QString, QStringList> cases[] = {
+        {"chart", {"chart.GIF"}}, {"chart.png", {"chart.png.GIF"}}, {"", {}}};
+    for (const auto& [typed, written] : cases) {
+        newFolder();
+        frmgraphresult* g = chartOfSweep(3);
+        rec_->saveName = typed.isEmpty() ? QString() : path(typed);
+        test::click(g->cmdsave);
+        QCOMPARE(QDir(dir_->path()).entryList(QDir::Files), written);
+        QCOMPARE(g->gifname.isEmpty(), typed.isEmpty());
         QVERIFY(rec_->messages.isEmpty());
-    } else {
-        QCOMPARE(rec_->messages.size(), 1);
-        QCOMPARE(rec_->last().text, message);
-        QCOMPARE(rec_->last().buttons, Platform::Buttons::Ok);
-    }
-    // drawn all the same
-    QCOMPARE(drawnSeries(g)[0].values, engineValues(theEngine().sw.lr, 3));
-}
-
-void TestGraphWindow::chartTypes_data() {
-    QTest::addColumn<bool>("species");
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QString>("kind");
-    for (bool species : {false, true}) {
-        const char* what = species ? "species" : "index";
-        QTest::addRow("%s, ColumnClustered", what) << species << 0 << "column";
-        QTest::addRow("%s, Line", what) << species << 1 << "line";
-        QTest::addRow("%s, LineMarkers", what) << species << 2 << "markers";
+        g->close();
+        test::flushDeletions();
     }
 }
 
-void TestGraphWindow::chartTypes() {
-    QFETCH(bool, species);
-    QFETCH(int, position);
-    QFETCH(QString, kind);
-    fakeSweep(5);
-    frmgraphresult* g = open();
-    choose(g->Cmbx, 0);
-    if (species) {
-        test::click(g->cmdaddsp);
-        choose(g->cmbspecies, 0);
-    } else {
-        test::click(g->cmdaddin);
-        choose(g->Cmbin, 3);
+void TestGraphWindow::gifFailureLeavesTheOldFile() {
+    newFolder();
+    const QString old = path("old.GIF");
+    {
+        QFile f(old);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("the picture of yesterday");
     }
-    // lines until a type is chosen
-    for (const Drawn& d : drawnSeries(g))
-        QCOMPARE(d.kind, QStringLiteral("line"));
-    choose(g->Cmochart, position);
-    const QList<Drawn> drawn = drawnSeries(g);
-    QCOMPARE(drawn.size(), species ? 3 : 1);
-    for (const Drawn& d : drawn) {
-        QCOMPARE(d.kind, kind);
-        QCOMPARE(d.values.size(), 5);
+    QString error;
+    QVERIFY(!saveGif(QImage(), old, &error)); // nothing to write: fails before the end
+    QVERIFY(!error.isEmpty());
+    QCOMPARE(readAll(old), QByteArray("the picture of yesterday"));
+    QCOMPARE(QDir(dir_->path()).entryList(QDir::Files), QStringList{"old.GIF"});
+
+    // The window reports a file it cannot write and leaves no file behind.
+    frmgraphresult* g = chartOfSweep(3);
+    rec_->saveName = path("no such folder/chart");
+    test::click(g->cmdsave);
+    QCOMPARE(rec_->messages.size(), 1);
+    QVERIFY(!QFile::exists(g->gifname));
+
+    // A good picture replaces the old file.
+    QVERIFY(saveGif(renderChart(g->ChartSpace1->state(), QSize(80, 40)), old));
+    QCOMPARE(QImage(old).size(), QSize(80, 40));
+}
+
+void TestGraphWindow::printTwoCopiesLandscapeWithStamp() {
+    newFolder();
+    frmgraphresult* g = chartOfSweep(10);
+    const QString pdf = print(g, 2, true);
+    QCOMPARE(rec_->printDialogs, 1);
+    // cancelled: nothing printed
+    rec_->printCopies.reset();
+    rec_->printToPdf = path(QStringLiteral("cancelled.pdf"));
+    test::click(g->cmdprint);
+    QCOMPARE(rec_->printDialogs, 2);
+    QVERIFY(!QFile::exists(path("cancelled.pdf")));
+    const QByteArray data = readAll(pdf);
+    QVERIFY(data.startsWith("%PDF"));
+
+    // two pages, both landscape
+    static const QRegularExpression mediaBox(
+        QStringLiteral("/MediaBox\\s*\\[\\s*0\\s+0\\s+([\\d.]+)\\s+([\\d.]+)\\s*\\]"));
+    int pages = 0;
+    for (auto it = mediaBox.globalMatch(QString::fromLatin1(data)); it.hasNext(); ++pages) {
+        const auto m = it.next();
+        QVERIFY(m.captured(1).toDouble() > m.captured(2).toDouble());
+    }
+    QCOMPARE(pages, 2);
+
+    const auto text = poppler("pdftotext", {"-layout", pdf, "-"});
+    if (!text) QSKIP("pdftotext (poppler-utils) is not installed");
+    const QList<QByteArray> pageTexts = text->split('\f');
+    QDateTime now = rec_->clock;
+    const QByteArray date = QLocale::system().toString(now.date(), QLocale::ShortFormat).toUtf8();
+    for (int p = 0; p < 2; ++p) {
+        const QByteArray& page = pageTexts[p];
+        QVERIFY2(page.contains("Time :10:30:00"), page.constData());
+        QVERIFY(page.contains("Velmora"));
+        QVERIFY(page.contains("Date :" + date));
+        QVERIFY(page.contains("Version 1.0"));
     }
 }
 
-void TestGraphWindow::dataLabelTexts_data() {
-    QTest::addColumn<int>("position"); // 0..7 an index, -1 the species
-    QTest::addColumn<double>("value");
-    QTest::addColumn<QString>("label");
-    QTest::newRow("Langelier, negative") << 0 << -0.12345 << "-0.123";
-    QTest::newRow("Ryznar, half away from zero") << 1 << 7.0005 << "7.001";
-    QTest::newRow("Puckorius") << 2 << 6.5 << "6.500";
-    QTest::newRow("driving force, large") << 3 << 12345.0 << "1.23E04";
-    QTest::newRow("momentary excess, negative small") << 4 << -0.000015 << "-1.50E-05";
-    QTest::newRow("aggressiveness") << 5 << 11.98765 << "11.988";
-    QTest::newRow("Larson-Skold") << 6 << 0.25 << "0.250";
-    QTest::newRow("saturation level, plus sign") << 7 << 3.456 << "3.46E+00";
-    QTest::newRow("saturation level, small") << 7 << 0.000789 << "7.89E-04";
-    QTest::newRow("species") << -1 << 0.001234567 << "0.00123";
+void TestGraphWindow::printRect_data() {
+    QTest::addColumn<QSizeF>("picture");
+    QTest::addColumn<bool>("fit");
+    QTest::addColumn<QRectF>("expected");
+    // a 12000 x 8000 printable area at 1200 dpi, pictures at 96 dpi
+    QTest::newRow("normal: natural size, centred")
+        << QSizeF(480, 320) << false << QRectF(3000, 2000, 6000, 4000);
+    QTest::newRow("fit: width limits") << QSizeF(600, 200) << true << QRectF(0, 2000, 12000, 4000);
+    QTest::newRow("fit: height limits") << QSizeF(300, 400) << true << QRectF(3000, 0, 6000, 8000);
+    QTest::newRow("normal: larger than the paper stays centred")
+        << QSizeF(1200, 800) << false << QRectF(-1500, -1000, 15000, 10000);
 }
 
-void TestGraphWindow::dataLabelTexts() {
-    QFETCH(int, position);
-    QFETCH(double, value);
-    QFETCH(QString, label);
-    fakeSweep(2);
-    SweepArrays& sw = theEngine().sw;
-    PointArray* data[] = {&sw.li, &sw.ri, &sw.por, &sw.dfi, &sw.me, &sw.ai, &sw.lr, &sw.sl};
-    (position < 0 ? sw.hco3 : *data[position])(2) = value;
-    m_->txtcl->setText("50");
-    m_->txtso4->setText("60");
-
-    frmgraphresult* g = open();
-    choose(g->Cmbx, 0);
-    int slot = 0;
-    if (position < 0) {
-        test::click(g->cmdaddsp);
-        choose(g->cmbspecies, 0);
-        slot = 2; // HCO3-
-    } else {
-        test::click(g->cmdaddin);
-        choose(g->Cmbin, position);
-    }
-    const auto texts = velmora::dataLabelTexts(g->ChartSpace1->chart());
-    QCOMPARE(texts[std::size_t(slot)].size(), 2);
-    QCOMPARE(texts[std::size_t(slot)][1], label);
-}
-
-void TestGraphWindow::removeDataLabels() {
-    fakeSweep(4);
-    frmgraphresult* g = indexChart(0);
-    const auto labelCount = [g] {
-        int n = 0;
-        for (const QStringList& l : velmora::dataLabelTexts(g->ChartSpace1->chart()))
-            n += int(l.size());
-        return n;
-    };
-    QCOMPARE(labelCount(), 4);
-    test::click(g->chkdatalabel);
-    QCOMPARE(labelCount(), 0);
-    choose(g->Cmbin, 1); // hidden labels stay hidden with another index
-    QCOMPARE(labelCount(), 0);
-    test::click(g->chkdatalabel);
-    QCOMPARE(labelCount(), 4);
+void TestGraphWindow::printRect() {
+    QFETCH(QSizeF, picture);
+    QFETCH(bool, fit);
+    QFETCH(QRectF, expected);
+    QCOMPARE(frmgraphresult::printRect(picture, 96, QSizeF(12000, 8000), 1200, fit), expected);
 }
 
 VELMORA_GUI_TEST_MAIN(TestGraphWindow)

@@ -1,10 +1,5 @@
-// Pictures of the program on a dark desktop palette for the documentation:
-// the main window and the Results window after the worked sample has been
-// read and calculated with every index and a pH sweep.
-//
-//   dark_screenshots OUTPUT_FOLDER
-//
-// Run it under a real display (xvfb-run) or offscreen.
+// Pictures of the main window and the Results window on a dark desktop
+// palette, after the worked sample.   dark_screenshots OUTPUT_FOLDER
 #include "mainwindow/frmmain.h"
 #include "results/frmresult.h"
 #include "tests/support/darkpalette.h"

@@ -1,11 +1,6 @@
-// The example report of the documentation: the worked sample with every
-// index (app's demo sample) and filled sample properties, saved and printed
-// through the real main window, the dialogs answered by the recording
-// platform.
-//
-//   example_report OUTPUT_FOLDER
-//
-// writes OUTPUT_FOLDER/example-report.doc and OUTPUT_FOLDER/example-report.pdf.
+// The example report of the documentation: the worked sample with the sample
+// properties filled, saved and printed through the main window.
+//   example_report OUTPUT_FOLDER  (writes example-report.doc and .pdf there)
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"

@@ -1,13 +1,7 @@
-// Pictures of the Results window, one interpretation window and the
-// equilibrium data window for the documentation: the program started as the
-// user starts it, the worked sample (25 °C, pH 7.5, alkalinity 200, Ca 80,
-// TDS 400, Cl 50, SO4 60 mg/L, Langelier ionic strength, every index) read
-// and calculated, then Show results, Ryznar and More results clicked.
-//
-//   results_screenshots OUTPUT_FOLDER [--all]
-//
+// Pictures of the Results window, the Ryznar interpretation and the
+// equilibrium data window for the documentation, after the worked sample;
 // --all adds the symbols window and the sample properties dialog.
-// Run it under a real display (xvfb-run) or offscreen.
+//   results_screenshots OUTPUT_FOLDER [--all]
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"

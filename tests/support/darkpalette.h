@@ -1,5 +1,5 @@
-// A dark desktop palette, as a dark theme gives the program: light text on
-// dark windows, boxes, buttons and tooltips.
+// A dark desktop palette, as a dark theme gives the program, and the
+// contrast ratio of two colours.
 #pragma once
 
 #include <QColor>
@@ -12,27 +12,21 @@ namespace velmora::test {
 
 inline QPalette darkPalette() {
     QPalette p;
-    const QColor window(45, 45, 48), base(30, 30, 30), text(230, 230, 230);
-    const QColor dimText(120, 120, 120);
+    const QColor text(230, 230, 230), dimText(120, 120, 120);
+    const std::pair<QPalette::ColorRole, QColor> colours[] = {
+        {QPalette::Window, QColor(45, 45, 48)},        {QPalette::Base, QColor(30, 30, 30)},
+        {QPalette::AlternateBase, QColor(45, 45, 48)}, {QPalette::Button, QColor(60, 60, 64)},
+        {QPalette::ToolTipBase, QColor(20, 20, 20)},   {QPalette::ToolTipText, text},
+        {QPalette::PlaceholderText, dimText},          {QPalette::Highlight, QColor(42, 130, 218)},
+        {QPalette::HighlightedText, Qt::white},        {QPalette::Light, QColor(80, 80, 84)},
+        {QPalette::Midlight, QColor(70, 70, 74)},      {QPalette::Mid, QColor(40, 40, 42)},
+        {QPalette::Dark, QColor(25, 25, 26)},          {QPalette::Shadow, Qt::black}};
     for (QPalette::ColorGroup g : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        const bool disabled = g == QPalette::Disabled;
-        p.setColor(g, QPalette::Window, window);
-        p.setColor(g, QPalette::WindowText, disabled ? dimText : text);
-        p.setColor(g, QPalette::Base, base);
-        p.setColor(g, QPalette::AlternateBase, window);
-        p.setColor(g, QPalette::Text, disabled ? dimText : text);
-        p.setColor(g, QPalette::Button, QColor(60, 60, 64));
-        p.setColor(g, QPalette::ButtonText, disabled ? dimText : text);
-        p.setColor(g, QPalette::ToolTipBase, QColor(20, 20, 20));
-        p.setColor(g, QPalette::ToolTipText, text);
-        p.setColor(g, QPalette::PlaceholderText, dimText);
-        p.setColor(g, QPalette::Highlight, QColor(42, 130, 218));
-        p.setColor(g, QPalette::HighlightedText, Qt::white);
-        p.setColor(g, QPalette::Light, QColor(80, 80, 84));
-        p.setColor(g, QPalette::Midlight, QColor(70, 70, 74));
-        p.setColor(g, QPalette::Mid, QColor(40, 40, 42));
-        p.setColor(g, QPalette::Dark, QColor(25, 25, 26));
-        p.setColor(g, QPalette::Shadow, Qt::black);
+        for (const auto& [role, colour] : colours)
+            p.setColor(g, role, colour);
+        for (QPalette::ColorRole role :
+             {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            p.setColor(g, role, g == QPalette::Disabled ? dimText : text);
     }
     return p;
 }

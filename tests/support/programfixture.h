@@ -1,6 +1,5 @@
-// Helpers for tests that drive the whole program: starting it afresh,
-// typing into boxes and clicking buttons as a user does, and returning the
-// program to its start state between tests.
+// Driving the whole program as a user does, and returning it to its start
+// state between tests.
 #pragma once
 
 #include <QList>
@@ -24,32 +23,25 @@ namespace velmora::test {
 
 class RecordingPlatform;
 
-// Closes and deletes every window of the program, then resets the published
-// options and the engine's record and arrays, as a fresh start has them.
+// Closes every window, resets the published options and the engine.
 void resetProgram();
-
-// Deletes the windows already closed (their deferred deletions).
+// Deletes the windows already closed.
 void flushDeletions();
 
-// Types `text` into `box` key by key at the end of its text.
+// Keys typed at the end of the box; the box emptied by keys; both.
 void typeInto(QLineEdit* box, const QString& text);
-// Empties `box` with the keyboard (select all, delete).
 void eraseBox(QLineEdit* box);
-// Replaces the text of `box` by typing (erase, then type).
 void retype(QLineEdit* box, const QString& text);
-// A left click in the middle of `button` (nothing happens when disabled).
+// A click on the button, a menu entry triggered (both only when enabled).
 void click(QAbstractButton* button);
-// Triggers a menu entry or toolbar button as a click would (only when enabled).
 void trigger(QAction* action);
 
-// Typing the worked sample water into the main window's enabled boxes:
-// 25 degrees C, pH 7.5, alkalinity 200, calcium 80, TDS 400 (and chloride 50,
-// sulphate 60 where their boxes are enabled).
+// The worked sample typed into the enabled boxes: 25 degrees C, pH 7.5,
+// alkalinity 200, calcium 80, TDS 400, chloride 50, sulphate 60.
 void typeWorkedSample(frmMain* main);
 
-// A test object whose every test starts the real program on a recording
-// platform (init) and leaves a fresh start behind (cleanup), with the
-// user's ways into the main window and its dialogs.
+// Every test starts the real program on a recording platform and leaves a
+// fresh start behind.
 class ProgramTest : public QObject {
     Q_OBJECT
 
@@ -57,20 +49,17 @@ protected:
     RecordingPlatform* rec_ = nullptr;
     frmMain* m_ = nullptr;
 
-    // A box of the main window by its name.
     QLineEdit* box(const QString& name) const;
     // "name=value" entries: each box retyped with its value.
     void type(const QStringList& entries);
-    // Setting > ionic strength equations: "lewis", "rus" or "lang", then OK.
+    // The ionic strength equation "lewis", "rus" or "lang" chosen, then OK.
     void chooseEquation(const QString& equation);
     frmionic* openIonic();
-    // Options > options.
     frmOptions* openOptions();
-    // The sweep page: chkphsweep ticked and the three boxes retyped.
+    // The sweep ticked and its three boxes retyped.
     void fillSweep(frmOptions* options, const QString& start, const QString& increment,
                    const QString& steps);
-    // Opens Options, ticks the check boxes, fills the sweep when a start is
-    // given and presses OK.
+    // Options opened, the boxes ticked, the sweep filled when given, then OK.
     void applyOptions(const QList<QCheckBox*>& ticks, const QString& start = QString(),
                       const QString& increment = QString(), const QString& steps = QString());
 

@@ -1,7 +1,6 @@
-// A platform for tests: records every message and modal dialog instead of
-// blocking, answers with preset answers, and has a fake screen, an in-memory
-// settings store and a fixed clock. Constructing one installs it; destroying
-// it restores the Qt platform.
+// A platform for tests: records messages and modal dialogs instead of
+// blocking, answers as preset, with a fake screen, settings and clock.
+// Constructing one installs it; destroying it restores the Qt platform.
 #pragma once
 
 #include "platform/platform.h"
@@ -28,14 +27,12 @@ public:
     RecordingPlatform(const RecordingPlatform&) = delete;
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
 
-    // --- what was recorded
     QList<Message> messages;
     QList<QPointer<QDialog>> modalDialogs; // shown (not executed) by execModal
     QStringList saveFilters;               // the filter of every save dialog asked for
     QMap<QString, QString> settings;       // "app/section/key" -> value
     int settingWrites = 0;
 
-    // --- what it answers
     Answer answer = Answer::Ok;     // the answer to a message when `answers` is empty
     QList<Answer> answers;          // answers used first, one per message
     QString saveName;               // the file name the save dialog returns (empty: cancelled)
@@ -50,12 +47,10 @@ public:
     // The 800 x 600 screen at 15 twips per pixel.
     void useSmallScreen() { screen = QSize(800, 600); }
 
-    // Convenience for assertions.
     QStringList texts() const;
     const Message& last() const { return messages.last(); }
     void clear();
 
-    // Platform
     Answer message(QWidget* parent, const QString& text, const QString& title, Icon icon,
                    Buttons buttons) override;
     void execModal(QDialog* dialog) override;
