@@ -4,7 +4,7 @@
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
-#include "tests/support/docpictures.h"
+#include "docs/pictures/docpictures.h"
 #include "tests/support/recordingplatform.h"
 
 #include <QAction>

@@ -9,7 +9,7 @@
 #include "results/frmmore.h"
 #include "results/frmresult.h"
 #include "results/frmsymbols.h"
-#include "tests/support/docpictures.h"
+#include "docs/pictures/docpictures.h"
 
 #include <QApplication>
 #include <QDir>

@@ -3,7 +3,7 @@
 #include "mainwindow/frmmain.h"
 #include "results/frmresult.h"
 #include "tests/support/darkpalette.h"
-#include "tests/support/docpictures.h"
+#include "docs/pictures/docpictures.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "tests/support/docpictures.h"
+#include "docs/pictures/docpictures.h"
 
 #include "app/startup.h"
 #include "mainwindow/frmmain.h"

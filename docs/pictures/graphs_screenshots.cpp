@@ -5,7 +5,7 @@
 #include "graphs/frmgraphresult.h"
 #include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
-#include "tests/support/docpictures.h"
+#include "docs/pictures/docpictures.h"
 
 #include <QAction>
 #include <QApplication>
