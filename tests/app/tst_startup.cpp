@@ -7,7 +7,6 @@
 #include "mainwindow/frmmain.h"
 #include "options/frmionic.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 

@@ -8,7 +8,6 @@
 #include "numtext/numtext.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 

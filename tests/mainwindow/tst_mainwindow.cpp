@@ -14,7 +14,6 @@
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
 #include "results/frmresult.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 

@@ -9,7 +9,6 @@
 #include "options/frmionic.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 

@@ -5,7 +5,6 @@
 #include "mainwindow/frmproperties.h"
 #include "options/frmoptions.h"
 #include "platform/platform.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 
