@@ -113,13 +113,17 @@ private slots:
         QCOMPARE(moreText("txtphs"), "7.2594E0");
         QCOMPARE(moreText("txtlanmh"), "0.89125");
         QVERIFY(moreText("txtlanmd").isEmpty());
-        // a Davies calculation afterwards keeps the Debye-Huckel values
-        everyIndexWithActivity(&frmactivity::optdavies);
-        test::click(m_->cmdread);
-        test::click(m_->cmdcalc);
-        test::click(m_->cmdshow);
-        QCOMPARE(moreText("txtlanmh"), "0.89125");
-        QVERIFY(!moreText("txtlanmd").isEmpty() && !moreText("txta").isEmpty());
+    }
+
+    void debyeThenDaviesKeepsBoth() {
+        for (bool davies : {false, true}) {
+            theOptions().equations.bldebye = !davies;
+            theOptions().equations.bldavies = davies;
+            theEngine().rec.lanm = davies ? 0.92 : 0.91;
+            publishResultsWindows(theEngine(), theOptions());
+        }
+        QCOMPARE(moreText("txtlanmh"), "0.91");
+        QCOMPARE(moreText("txtlanmd"), "0.92");
     }
 
     // Under a locale with a decimal comma the user types and reads commas.
@@ -224,18 +228,21 @@ private slots:
     // The window and the button show the row of the measured value; every
     // row's text reads whole without scrolling, in regular and bold type.
     void everyRowInTheWindowAndOnTheButton() {
+        theOptions().index = IndexFlags{true, true, true, true, true, true, true, true};
         publishAndShow();
         for (bool bold : {false, true}) {
             if (bold) interpretationButton(Index::Langelier)->click();
             for (Index index : interp::allIndices())
                 for (const interp::Row& row : interp::table(index)) {
                     measured(index) = inside(row.range);
-                    showResultsWindow(theEngine(), theOptions());
+                    publishAndShow();
                     QCOMPARE(frmresult::instance()->buttonColour(index), colourOf(&row));
                     interpretationButton(index)->click();
                     frmenterper* w = frmenterper::instance();
                     QCOMPARE(w->windowTitle(), QString::fromLatin1(interp::windowCaption(index)));
                     QCOMPARE(w->backColour(), colourOf(&row));
+                    QCOMPARE(frmresult::instance()->interpretationText(),
+                             QString::fromStdString(row.text()));
                     QCOMPARE(w->text1()->toPlainText(),
                              QString::fromStdString(row.text()).replace("\r\n", "\n"));
                     QCoreApplication::processEvents();
@@ -272,9 +279,10 @@ private slots:
                          {"txtdate", "yesterday?"},
                          {"txtlocation", "Well 7"}});
         QVERIFY(m_->frasample->isEnabled() && m_->txtloc->font().bold());
-        const std::pair<const char*, const char*> shown[] = {
-            {"txtnam", "Ada "}, {"txtorg", "Water Board"}, {"txtdat", "yesterday?"},
-            {"txtloc", "Well 7"}};
+        const std::pair<const char*, const char*> shown[] = {{"txtnam", "Ada "},
+                                                             {"txtorg", "Water Board"},
+                                                             {"txtdat", "yesterday?"},
+                                                             {"txtloc", "Well 7"}};
         for (const auto& [box, text] : shown)
             QVERIFY2(mainText(box).endsWith(QLatin1String(":") + text), qPrintable(mainText(box)));
         enterProperties({{"txtname", ""}, {"txtfamily", "Lovelace"}});
@@ -295,9 +303,9 @@ private slots:
             const char* focus;
             Qt::Key key;
             bool accepted;
-        } cases[] = {{"txtname", Qt::Key_Return, true},     {"txtlocation", Qt::Key_Enter, true},
-                     {"cmdOK", Qt::Key_Return, true},       {"cmdCancel", Qt::Key_Return, false},
-                     {"txtorgan", Qt::Key_Escape, false},   {"cmdOK", Qt::Key_Escape, false}};
+        } cases[] = {{"txtname", Qt::Key_Return, true},   {"txtlocation", Qt::Key_Enter, true},
+                     {"cmdOK", Qt::Key_Return, true},     {"cmdCancel", Qt::Key_Return, false},
+                     {"txtorgan", Qt::Key_Escape, false}, {"cmdOK", Qt::Key_Escape, false}};
         for (const auto& c : cases) {
             const QString name = c.focus + QString::number(c.key);
             test::trigger(m_->mnuFileProperties);
