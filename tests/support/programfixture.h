@@ -1,17 +1,13 @@
-// Driving the whole program as a user does, and returning it to its start
-// state between tests.
+// Driving the whole program as a user does, offscreen on a recording
+// platform, and returning it to its start state between tests.
 #pragma once
 
-#include <QList>
-#include <QObject>
-#include <QString>
-#include <QStringList>
+#include <QApplication>
+#include <QtTest>
 
 class QAbstractButton;
-class QAction;
 class QCheckBox;
 class QLineEdit;
-class QWidget;
 
 namespace velmora {
 class frmMain;
@@ -23,6 +19,9 @@ namespace velmora::test {
 
 class RecordingPlatform;
 
+// Offscreen (unless set), a private XDG_RUNTIME_DIR and QStandardPaths'
+// test mode, so no test touches the user's settings. Call before QApplication.
+void prepareGuiTestEnvironment();
 // Closes every window, resets the published options and the engine.
 void resetProgram();
 // Deletes the windows already closed.
@@ -32,10 +31,9 @@ void flushDeletions();
 void typeInto(QLineEdit* box, const QString& text);
 void eraseBox(QLineEdit* box);
 void retype(QLineEdit* box, const QString& text);
-// A click on the button, a menu entry triggered (both only when enabled).
+// A click on the button, a menu entry triggered when it is enabled.
 void click(QAbstractButton* button);
 void trigger(QAction* action);
-
 // The worked sample typed into the enabled boxes: 25 degrees C, pH 7.5,
 // alkalinity 200, calcium 80, TDS 400, chloride 50, sulphate 60.
 void typeWorkedSample(frmMain* main);
@@ -69,3 +67,13 @@ private slots:
 };
 
 } // namespace velmora::test
+
+#define VELMORA_GUI_TEST_MAIN(TestObject)                                                          \
+    int main(int argc, char** argv) {                                                              \
+        velmora::test::prepareGuiTestEnvironment();                                                \
+        QApplication app(argc, argv);                                                              \
+        app.setQuitOnLastWindowClosed(false);                                                      \
+        TestObject tc;                                                                             \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
+        return QTest::qExec(&tc, argc, argv);                                                      \
+    }

@@ -1,14 +1,14 @@
 // A platform for tests: records messages and modal dialogs instead of
-// blocking, answers as preset, with a fake screen, settings and clock.
+// blocking, with a fake screen, settings store, clock and dialogs' answers.
 // Constructing one installs it; destroying it restores the Qt platform.
 #pragma once
 
 #include "platform/platform.h"
 
 #include <QDialog>
-#include <QList>
 #include <QMap>
 #include <QPointer>
+#include <QPrinter>
 #include <QStringList>
 
 namespace velmora::test {
@@ -17,57 +17,75 @@ class RecordingPlatform : public Platform {
 public:
     struct Message {
         QString text;
-        QString title;
-        Icon icon = Icon::None;
-        Buttons buttons = Buttons::Ok;
+        Icon icon;
     };
-
-    RecordingPlatform();
-    ~RecordingPlatform() override;
+    RecordingPlatform() { setPlatform(this); }
+    ~RecordingPlatform() override {
+        if (&platform() == this) setPlatform(nullptr);
+    }
     RecordingPlatform(const RecordingPlatform&) = delete;
     RecordingPlatform& operator=(const RecordingPlatform&) = delete;
 
     QList<Message> messages;
-    QList<QPointer<QDialog>> modalDialogs; // shown (not executed) by execModal
-    QStringList saveFilters;               // the filter of every save dialog asked for
+    QList<QPointer<QDialog>> modalDialogs; // shown, not executed
+    QStringList saveFilters;               // of every save dialog asked for
     QMap<QString, QString> settings;       // "app/section/key" -> value
     int settingWrites = 0;
-
-    Answer answer = Answer::Ok;     // the answer to a message when `answers` is empty
-    QList<Answer> answers;          // answers used first, one per message
-    QString saveName;               // the file name the save dialog returns (empty: cancelled)
+    QString saveName;               // the save dialog's file name (empty: cancelled)
     std::optional<int> printCopies; // the print dialog's copies (empty: cancelled)
     QString printToPdf;             // the PDF file the chosen printer writes
-    int printDialogs = 0;           // how many print dialogs were shown
-    QSize screen{1024, 768};        // pixels
+    int printDialogs = 0;
+    QSize screen{1024, 768};
     int tppX = 15, tppY = 15;
     QSize twipsOverride; // when valid, the screen size in twips
-    QDateTime clock;     // fixed; 17 May 2024 10:30:00 unless set
+    QDateTime clock{QDate(2024, 5, 17), QTime(10, 30)};
 
-    // The 800 x 600 screen at 15 twips per pixel.
     void useSmallScreen() { screen = QSize(800, 600); }
-
-    QStringList texts() const;
+    QStringList texts() const {
+        QStringList out;
+        for (const Message& m : messages)
+            out << m.text;
+        return out;
+    }
     const Message& last() const { return messages.last(); }
-    void clear();
+    void clear() { messages.clear(), modalDialogs.clear(), saveFilters.clear(); }
+    static QString settingKey(const QString& key) { return "Velmora/Settings/" + key; }
 
-    Answer message(QWidget* parent, const QString& text, const QString& title, Icon icon,
-                   Buttons buttons) override;
-    void execModal(QDialog* dialog) override;
-    QString saveFileName(QWidget* parent, const QString& filter) override;
-    std::optional<PrintJob> printDialog(QWidget* parent) override;
+    Answer message(QWidget*, const QString& text, const QString&, Icon icon, Buttons) override {
+        messages.append({text, icon});
+        return Answer::Ok;
+    }
+    void execModal(QDialog* dialog) override {
+        modalDialogs.append(dialog);
+        dialog->show();
+    }
+    QString saveFileName(QWidget*, const QString& filter) override {
+        saveFilters.append(filter);
+        return saveName;
+    }
+    std::optional<PrintJob> printDialog(QWidget*) override {
+        ++printDialogs;
+        if (!printCopies) return std::nullopt;
+        PrintJob job{std::make_unique<QPrinter>(QPrinter::HighResolution), *printCopies};
+        job.printer->setOutputFormat(QPrinter::PdfFormat);
+        job.printer->setOutputFileName(printToPdf);
+        return job;
+    }
     QSize screenPixels() override { return screen; }
     int twipsPerPixelX() override { return tppX; }
     int twipsPerPixelY() override { return tppY; }
-    QSize screenTwips() override;
-    void writeSetting(const QString& app, const QString& section, const QString& key,
-                      const QString& value) override;
-    QString readSetting(const QString& app, const QString& section, const QString& key) override;
-    QDateTime now() override { return clock; }
-
-    static QString settingKey(const QString& app, const QString& section, const QString& key) {
-        return app + QLatin1Char('/') + section + QLatin1Char('/') + key;
+    QSize screenTwips() override {
+        return twipsOverride.isValid() ? twipsOverride : Platform::screenTwips();
     }
+    void writeSetting(const QString& app, const QString& section, const QString& key,
+                      const QString& value) override {
+        ++settingWrites;
+        settings.insert(app + '/' + section + '/' + key, value);
+    }
+    QString readSetting(const QString& app, const QString& section, const QString& key) override {
+        return settings.value(app + '/' + section + '/' + key);
+    }
+    QDateTime now() override { return clock; }
 };
 
 } // namespace velmora::test
