@@ -1,4 +1,5 @@
 #include "intake/arrangement.h"
+#include "intake/readdata.h"
 
 #include <gtest/gtest.h>
 
@@ -49,6 +50,29 @@ TEST(Arrangement, EquationOfTheFlags) {
     EXPECT_EQ(equationOf(russell), Equation::Russell);
     EXPECT_EQ(equationOf(lewis), Equation::Lewis);
     EXPECT_EQ(equationOf(both), Equation::Lewis);
+}
+
+// The entries Calculate reads: a text that is no number fails when it is read,
+// naming the text.
+TEST(CalcInputs, EntriesThatAreNoNumberFailWhenRead) {
+    AnalysisTexts boxes;
+    boxes[Field::ph] = "7.5x";
+    const CalcInputs in = calcInputs(boxes, "6", "0,5", "");
+    EXPECT_EQ(in.ph, 7.5);
+    EXPECT_EQ(in.sweepStart.read(), 6);
+    const std::pair<const EntryNumber*, const char*> failing[] = {
+        {&in.phStrict, "the pH text \"7.5x\" is not a number"},
+        {&in.sweepIncrement, "the pH increment \"0,5\" is not a number"},
+        {&in.sweepSteps, "the number of steps \"\" is not a number"}};
+    for (const auto& [entry, message] : failing) {
+        try {
+            entry->read();
+            ADD_FAILURE() << message;
+        } catch (const EngineError& e) {
+            EXPECT_EQ(e.kind(), EngineError::Kind::BadConversion);
+            EXPECT_NE(std::string(e.what()).find(message), std::string::npos) << e.what();
+        }
+    }
 }
 
 } // namespace
