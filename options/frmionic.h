@@ -1,7 +1,7 @@
 // The ionic strength equation dialog: Russell (conductivity), Langelier
 // (dissolved solids) or Lewis and Randall (every ion). Its OK publishes the
-// three flags (velmora::theOptions().equations) and rearranges the main
-// window's boxes for the chosen equation.
+// chosen equation to the main window (MainForm), which sets the three flags
+// (velmora::theOptions().equations) as it arranges its boxes.
 #pragma once
 
 #include "options/choicedialog.h"

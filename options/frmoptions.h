@@ -1,7 +1,8 @@
 // The Options dialog: which corrosion and scaling indices are reported, and
 // the pH sweep with its start pH, increment and number of steps. Apply
 // publishes the index flags and the sweep list (velmora::theOptions()),
-// which outlive the dialog, and rearranges the main window.
+// which outlive the dialog, and tells the main window (MainForm), which
+// arranges itself.
 #pragma once
 
 #include "windowkit/formsupport.h"
