@@ -85,7 +85,7 @@ coverage)
     # one test at a time: the counters of a library are merged into one file
     (cd build-cov && ctest >/dev/null) || echo "some tests failed" >&2
     gcovr -r . --object-directory build-cov --exclude 'tests/' --exclude 'bench/' \
-        --exclude 'build.*/' \
+        --exclude 'build.*/' --exclude 'docs/' \
         --print-summary -o build-cov/coverage.txt
     ;;
 *)
