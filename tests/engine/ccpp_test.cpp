@@ -181,6 +181,30 @@ TEST(Crossings, RangeOfTheComputedPoints) {
 
 // The table set holds exactly the boundaries of each index's interpretation
 // table, as the Results window reads them.
+// No NaN or infinity leaves, whatever the water: a CCPP or a note, crossings
+// inside the swept range.
+TEST(CcppAndCrossings, AlwaysFiniteOrEmpty) {
+    Engine e;
+    for (double temp : {0.0, 25.0, 80.0})
+        for (double ph : {2.0, 6.5, 9.0, 12.5})
+            for (double alk : {1.0, 200.0, 2000.0})
+                for (double ca : {0.5, 100.0, 2000.0}) {
+                    CalcOutcome out;
+                    try {
+                        out = calculate(e, {temp, ph, alk, ca, 500}, 1, 0.09, 140);
+                    } catch (const EngineError&) {
+                        continue; // a message row
+                    }
+                    const CcppResult r = computeCcpp(e);
+                    EXPECT_EQ(r.ccpp.has_value(), r.phEq.has_value());
+                    EXPECT_TRUE(r.ccpp ? std::isfinite(*r.ccpp) && std::isfinite(*r.phEq)
+                                       : !r.note.empty());
+                    const auto range = sweptRange(e, out);
+                    for (const auto& c : findCrossings(e, out, CrossingSet::Table))
+                        EXPECT_TRUE(!c || (*c >= range->lo && *c <= range->hi));
+                }
+}
+
 TEST(CrossingSets, TableIsEveryBoundaryOfTheInterpretationTables) {
     using I = interp::Index;
     const I tables[] = {I::Langelier,      I::Ryznar,       I::Puckorius,
