@@ -213,11 +213,11 @@ Options parseCommandLine(const std::vector<std::string>& args) {
             if (!takeValue()) continue;
             const std::string v = lower(value);
             if (v == "langelier")
-                o.ionic = Options::Ionic::Langelier;
+                o.ionic = Equation::Langelier;
             else if (v == "russell")
-                o.ionic = Options::Ionic::Russell;
+                o.ionic = Equation::Russell;
             else if (v == "lewis")
-                o.ionic = Options::Ionic::Lewis;
+                o.ionic = Equation::Lewis;
             else
                 fail("--ionic: unknown equation \"" + value + "\" (langelier, russell or lewis)");
         } else if (name == "activity") {
@@ -317,13 +317,13 @@ std::string outputHeader(const Options& o) {
 EquationFlags equationFlags(const Options& o) {
     EquationFlags f;
     switch (o.ionic) {
-    case Options::Ionic::Langelier:
+    case Equation::Langelier:
         f.bllang = true;
         break;
-    case Options::Ionic::Russell:
+    case Equation::Russell:
         f.blrus = true;
         break;
-    case Options::Ionic::Lewis:
+    case Equation::Lewis:
         f.bllewis = true;
         break;
     }

@@ -4,6 +4,7 @@
 
 #include "engine/ccpp.h"
 #include "engine/engine.h"
+#include "intake/arrangement.h"
 #include "options/optionstate.h"
 
 #include <stdexcept>
@@ -20,9 +21,8 @@ public:
 };
 
 struct Options {
-    enum class Ionic { Langelier, Russell, Lewis };
     enum class Activity { None, Limiting, Extended, Guntelberg, Davies };
-    Ionic ionic = Ionic::Langelier;
+    Equation ionic = Equation::Langelier;
     Activity activity = Activity::None;
     bool larsonSkold = false;
     bool sweep = false;

@@ -10,7 +10,6 @@ Equation equationOf(const EquationFlags& flags) {
 
 Arrangement arrangement(Equation equation, bool larsonSkold) {
     Arrangement a;
-    a.equation = equation;
     a.role.of.fill(Role::Unused);
     // every equation: temperature, pH, alkalinity and calcium
     for (Field f : {Field::t, Field::ph, Field::alk, Field::ca})

@@ -25,7 +25,6 @@ enum class Equation { Langelier, Russell, Lewis };
 Equation equationOf(const EquationFlags& flags);
 
 struct Arrangement {
-    Equation equation = Equation::Langelier;
     PerField<Role> role;
     // Read Data's required set: the boxes that must all hold a value before
     // Read Data is offered (the Required boxes, and chloride and sulphate

@@ -40,10 +40,6 @@ QWidget* frmMain::asWidget() {
     return this;
 }
 
-QLabel* frmMain::label(Field f) const {
-    return findChild<QLabel*>(QLatin1String("lbl") + QLatin1String(fieldInfo(f).name));
-}
-
 void frmMain::arrangeBox(Field f, const Arrangement& a) {
     const bool used = a.role[f] != Role::Unused;
     box(f)->setEnabled(used);

@@ -1,20 +1,10 @@
 #include "mainwindow/frmmain.h"
 
-#include "graphs/frmgraphresult.h"
-#include "intake/arrangement.h"
-#include "mainwindow/properties.h"
-#include "numtext/numtext.h"
-#include "options/frmactivity.h"
-#include "options/frmionic.h"
 #include "options/frmoptions.h"
-#include "options/optionstate.h"
 #include "platform/platform.h"
-#include "report/reportoutput.h"
-#include "results/results.h"
 #include "windowkit/formsupport.h"
 #include "windowkit/programpicture.h"
 #include "windowkit/toolbaricons.h"
-#include "windowkit/windowsupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -28,14 +18,11 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
 
-#include <exception>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -455,6 +442,10 @@ void frmMain::setState(Workflow state) {
 
 QLineEdit* frmMain::box(Field f) const {
     return this->*kFieldMembers[static_cast<std::size_t>(f)].first;
+}
+
+QLabel* frmMain::label(Field f) const {
+    return this->*kFieldMembers[static_cast<std::size_t>(f)].second;
 }
 
 QList<QLineEdit*> frmMain::analysisBoxes() const {

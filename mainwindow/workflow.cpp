@@ -15,31 +15,18 @@
 #include "report/reportoutput.h"
 #include "results/results.h"
 #include "windowkit/formsupport.h"
-#include "windowkit/programpicture.h"
 #include "windowkit/windowsupport.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
-#include <QCloseEvent>
-#include <QDir>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QLocale>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPainter>
 #include <QPushButton>
 #include <QStatusBar>
-#include <QTimer>
 #include <QToolBar>
 
 #include <exception>
-#include <memory>
-#include <utility>
-#include <vector>
 
 namespace velmora {
 

@@ -37,10 +37,11 @@ struct ReportInputs {
 
 // What differs between the renderings.
 struct ReportStyle {
-    int titleRule = 68;              // hyphens under the heading
-    int tableRule = 43;              // hyphens under the analysis table's header
-    int alkBefore = 9, alkAfter = 4; // blanks around the alkalinity unit
-    int phBefore = 24, phAfter = 14; // blanks around the pH unit
+    int titleRule = 68; // hyphens under the heading
+    int tableRule = 43; // hyphens under the analysis table's header
+    // blanks around the alkalinity and the pH unit
+    int alkBefore = fieldInfo(Field::alk).reportGap, alkAfter = 4;
+    int phBefore = fieldInfo(Field::ph).reportGap, phAfter = 14;
     const char* indicesTitle = " water corrosion indices vslues :";
     int indexRule = 43;   // hyphens under the index table's header
     int closingRule = 43; // hyphens closing the index table

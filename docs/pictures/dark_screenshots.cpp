@@ -1,9 +1,9 @@
 // Pictures of the main window and the Results window on a dark desktop
 // palette, after the worked sample.   dark_screenshots OUTPUT_FOLDER
+#include "docs/pictures/docpictures.h"
 #include "mainwindow/frmmain.h"
 #include "results/frmresult.h"
 #include "tests/support/darkpalette.h"
-#include "docs/pictures/docpictures.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,10 +1,10 @@
 // The example report of the documentation: the worked sample with the sample
 // properties filled, saved and printed through the main window.
 //   example_report OUTPUT_FOLDER  (writes example-report.doc and .pdf there)
+#include "docs/pictures/docpictures.h"
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
-#include "docs/pictures/docpictures.h"
 #include "tests/support/recordingplatform.h"
 
 #include <QAction>

@@ -1,11 +1,11 @@
 // Pictures of the graph window for the documentation, after the worked sample
 // with its pH sweep: graph-index.png (the Langelier index, lines with markers),
-// graph-species.png (the carbonate species) and example-chart.gif (the index
+// graph-carbonate.png (the carbonate species) and example-chart.gif (the index
 // chart as Save as GIF writes it).   graphs_screenshots OUTPUT_FOLDER
+#include "docs/pictures/docpictures.h"
 #include "graphs/frmgraphresult.h"
 #include "graphs/gifwriter.h"
 #include "mainwindow/frmmain.h"
-#include "docs/pictures/docpictures.h"
 
 #include <QAction>
 #include <QApplication>
@@ -52,7 +52,7 @@ int main(int argc, char** argv) {
     g->cmdremove->click();
     g->cmdaddsp->click();
     choose(g->cmbspecies, 0);
-    ok = test::savePicture(g, out.filePath("graph-species.png")) && ok;
+    ok = test::savePicture(g, out.filePath("graph-carbonate.png")) && ok;
 
     return test::finishPictures(ok);
 }

@@ -2,6 +2,7 @@
 // equilibrium data window for the documentation, after the worked sample;
 // --all adds the symbols window and the sample properties dialog.
 //   results_screenshots OUTPUT_FOLDER [--all]
+#include "docs/pictures/docpictures.h"
 #include "mainwindow/frmmain.h"
 #include "mainwindow/frmproperties.h"
 #include "mainwindow/properties.h"
@@ -9,7 +10,6 @@
 #include "results/frmmore.h"
 #include "results/frmresult.h"
 #include "results/frmsymbols.h"
-#include "docs/pictures/docpictures.h"
 
 #include <QApplication>
 #include <QDir>
